@@ -1,0 +1,49 @@
+#include "cpluginhost.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+CPluginHost::CPluginHost() = default;
+
+CPluginHost::~CPluginHost()
+{
+    Unload();
+}
+
+bool CPluginHost::Load(const QString &path, ILayerHost *host)
+{
+    Unload();
+    m_library.setFileName(QDir::isRelativePath(path)
+                              ? QCoreApplication::applicationDirPath() + QLatin1Char('/') + path
+                              : path);
+    if (!m_library.load()) {
+        m_error = m_library.errorString();
+        return false;
+    }
+    auto create = reinterpret_cast<NewInterfaceFunc>(m_library.resolve("NewInterface"));
+    m_release = reinterpret_cast<ReleaseInterfaceFunc>(m_library.resolve("ReleaseInterface"));
+    if (!create || !m_release) {
+        m_error = QStringLiteral("%1 does not export NewInterface and ReleaseInterface").arg(path);
+        m_library.unload();
+        return false;
+    }
+    m_module = create();
+    if (!m_module) {
+        m_error = QStringLiteral("NewInterface returned null");
+        return false;
+    }
+    m_manager = m_module->CreateLayerMgr(host);
+    return m_manager != nullptr;
+}
+
+void CPluginHost::Unload()
+{
+    if (m_module) {
+        m_module->ReleaseLayerMgr(m_manager);
+        m_manager = nullptr;
+        m_release(m_module);
+        m_module = nullptr;
+    }
+    if (m_library.isLoaded())
+        m_library.unload();
+}

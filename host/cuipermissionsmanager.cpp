@@ -1,0 +1,7 @@
+#include "cuipermissionsmanager.h"
+
+CUiPermissionsManager *CUiPermissionsManager::GetInstance()
+{
+    static CUiPermissionsManager instance;
+    return &instance;
+}

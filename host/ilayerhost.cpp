@@ -1,0 +1,3 @@
+#include "ilayerhost.h"
+
+ILayerHost::~ILayerHost() = default;

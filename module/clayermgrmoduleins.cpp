@@ -1,0 +1,93 @@
+#include "clayermgrmoduleins.h"
+
+#include "clayermgrins.h"
+#include "ilayerpanel.h"
+#include "library/clayercontext.h"
+#include "support/moduleloader.h"
+
+#include "ilog.h"
+
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QWidget>
+
+#include <new>
+
+ILayerPanel *g_pLayerPanel = nullptr;
+
+namespace {
+void showLoaderError(const QString &title, const QString &text)
+{
+    QMessageBox::information(nullptr, title, text, QMessageBox::Ok);
+}
+} // namespace
+
+CLayerMgrModuleIns::CLayerMgrModuleIns()
+{
+    SetModuleErrorPresenter(&showLoaderError);
+}
+
+CLayerMgrModuleIns::~CLayerMgrModuleIns() = default;
+
+DlgLayerMgr *CLayerMgrModuleIns::CreatePanel(QWidget *parent, void *hostData)
+{
+    g_LayerContext.m_pHostData = hostData;
+    DlgLayerMgr *panel = NewLayerPanel(parent);
+    if (!panel)
+        return nullptr;
+    g_pLayerPanel = LayerPanelInterface(panel);
+    QWidget *widget = LayerPanelWidget(panel);
+    widget->show();
+    if (parent) {
+        auto *layout = new QHBoxLayout;
+        layout->setSpacing(0);
+        layout->setContentsMargins(0, 0, 0, 0);
+        parent->setLayout(layout);
+        layout->addWidget(widget, 0);
+    }
+    return panel;
+}
+
+void CLayerMgrModuleIns::SetPanelFlag(bool dualLaser)
+{
+    if (g_pLayerPanel)
+        g_pLayerPanel->SetDualLaser(dualLaser);
+}
+
+void CLayerMgrModuleIns::SetUnitMode(int mode)
+{
+    g_LayerContext.m_unitMode = mode;
+    if (g_pLayerPanel)
+        g_pLayerPanel->RefreshSpeeds();
+}
+
+ILayerMgr *CLayerMgrModuleIns::CreateLayerMgr(void *host)
+{
+    return new (std::nothrow) CLayerMgrIns(host);
+}
+
+void CLayerMgrModuleIns::ReleaseLayerMgr(ILayerMgr *manager)
+{
+    delete manager;
+}
+
+void CLayerMgrModuleIns::ReloadLibrary()
+{
+    // Taking over a library file needs the library store, which is not part
+    // of this build yet; the file is left where it is.
+    ILog_WriteLogF(2, "ReloadLibrary: no library store, %s", "nothing taken over");
+}
+
+CLayerMgrModuleApi *NewLayerMgrModule()
+{
+    return new (std::nothrow) CLayerMgrModuleIns;
+}
+
+void ReleaseLayerMgrModule(CLayerMgrModuleApi *module)
+{
+    if (g_pLayerPanel) {
+        delete g_pLayerPanel;
+        g_pLayerPanel = nullptr;
+    }
+    delete module;
+}

@@ -1,0 +1,70 @@
+#include "units.h"
+
+#include <QtGlobal>
+
+namespace {
+constexpr double kMmPerInch = 25.4;
+constexpr double kSecondsPerMinute = 60.0;
+
+bool isInch(int unitMode)
+{
+    return unitMode == UNIT_INCH_PER_S || unitMode == UNIT_INCH_PER_MIN;
+}
+} // namespace
+
+double Round2(double value)
+{
+    return qRound(value * 100) / 100.0;
+}
+
+// Inch values stay unrounded while millimetres are cut to two decimals: the
+// editors show inches with their own precision.
+double LengthToDisplay(double mm, int unitMode)
+{
+    return isInch(unitMode) ? mm / kMmPerInch : Round2(mm);
+}
+
+double LengthFromDisplay(double value, int unitMode)
+{
+    return isInch(unitMode) ? value * kMmPerInch : Round2(value);
+}
+
+double SpeedToDisplay(double mmPerSecond, int unitMode)
+{
+    switch (unitMode) {
+    case UNIT_INCH_PER_S:
+        return mmPerSecond / kMmPerInch;
+    case UNIT_INCH_PER_MIN:
+        return mmPerSecond / kMmPerInch * kSecondsPerMinute;
+    case UNIT_MM_PER_MIN:
+        return mmPerSecond * kSecondsPerMinute;
+    default:
+        return mmPerSecond;
+    }
+}
+
+double SpeedFromDisplay(double value, int unitMode)
+{
+    switch (unitMode) {
+    case UNIT_INCH_PER_S:
+        return value * kMmPerInch;
+    case UNIT_INCH_PER_MIN:
+        return value * kMmPerInch / kSecondsPerMinute;
+    case UNIT_MM_PER_MIN:
+        return value / kSecondsPerMinute;
+    default:
+        return value;
+    }
+}
+
+const char *LengthUnitLabel(int unitMode)
+{
+    static const char *const labels[] = {"inch", "mm", "inch", "mm"};
+    return unitMode >= 0 && unitMode < 4 ? labels[unitMode] : "";
+}
+
+const char *SpeedUnitLabel(int unitMode)
+{
+    static const char *const labels[] = {"inch/s", "mm/s", "inch/min", "mm/min"};
+    return unitMode >= 0 && unitMode < 4 ? labels[unitMode] : "";
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+// Unit modes: how lengths and speeds are shown and typed. Records, files and
+// the library always hold millimetres and millimetres per second.
+enum EUNIT_MODE {
+    UNIT_INCH_PER_S = 0,
+    UNIT_MM_PER_S = 1,
+    UNIT_INCH_PER_MIN = 2,
+    UNIT_MM_PER_MIN = 3,
+};
+
+// qRound(v * 100) / 100.0
+double Round2(double value);
+
+double LengthToDisplay(double mm, int unitMode);
+double LengthFromDisplay(double value, int unitMode);
+double SpeedToDisplay(double mmPerSecond, int unitMode);
+double SpeedFromDisplay(double value, int unitMode);
+
+// "inch" / "mm" and "inch/s", "mm/s", "inch/min", "mm/min"; empty outside 0..3.
+const char *LengthUnitLabel(int unitMode);
+const char *SpeedUnitLabel(int unitMode);
