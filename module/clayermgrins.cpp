@@ -15,6 +15,7 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -92,13 +93,23 @@ void CLayerMgrIns::remember(const CLayerParam &layer)
 
 std::unique_ptr<CLayerParam> CLayerMgrIns::CreateLayer(quint32 color) const
 {
+    return createLayer(color, userSweepVertType());
+}
+
+// The vertical fill order is a user preference, not a colour's.
+int CLayerMgrIns::userSweepVertType()
+{
+    return ReadIniInt(QStringLiteral("LASER_PARAM_SWEEP"), QStringLiteral("SWEEP_VERT_TYPE"), 0,
+                      UserParamIniPath());
+}
+
+std::unique_ptr<CLayerParam> CLayerMgrIns::createLayer(quint32 color, int sweepVertType) const
+{
     auto layer = std::make_unique<CLayerParam>(color);
     const auto it = m_rememberedIndex.constFind(color);
     if (it != m_rememberedIndex.cend())
         *layer = *m_remembered[size_t(*it)];
-    // The vertical fill order is a user preference, not a colour's.
-    layer->SWEEP.SWEEP_VERT_TYPE = ReadIniInt(QStringLiteral("LASER_PARAM_SWEEP"),
-                                              QStringLiteral("SWEEP_VERT_TYPE"), 0, UserParamIniPath());
+    layer->SWEEP.SWEEP_VERT_TYPE = sweepVertType;
     return layer;
 }
 
@@ -126,6 +137,8 @@ quint64 CLayerMgrIns::UpdateLayers(CShapeList *shapes)
     }
 
     LayerList made;
+    // Read once per pass: nothing can change the settings between two shapes.
+    std::optional<int> sweepVertType;
     const int count = shapes->GetCount();
     quint32 lastColor = 0;
     ColorIndex::Slot *last = nullptr;
@@ -138,7 +151,9 @@ quint64 CLayerMgrIns::UpdateLayers(CShapeList *shapes)
             bool inserted = false;
             slot = &colors.insert(c, &inserted);
             if (inserted) {
-                auto layer = CreateLayer(c);
+                if (!sweepVertType)
+                    sweepVertType = userSweepVertType();
+                auto layer = createLayer(c, *sweepVertType);
                 if (m_pendingNonOutput.remove(c))
                     layer->OUTPUT = false;
                 if (shape->GetType() == SHAPE_IMAGE) {

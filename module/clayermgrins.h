@@ -63,6 +63,8 @@ public:
 
 private:
     struct LaserGroups;
+    static int userSweepVertType();
+    std::unique_ptr<CLayerParam> createLayer(quint32 color, int sweepVertType) const;
     void refill(LaserGroups &groups);
     void remember(const CLayerParam &layer);
     void rebuildRememberedIndex();

@@ -7,46 +7,55 @@
 
 namespace {
 
+// Collects the whole stream in memory, sized up front: one write to the
+// device instead of sixty small ones per layer.
 class StreamWriter
 {
 public:
-    explicit StreamWriter(QIODevice *device)
-        : m_device(device)
+    explicit StreamWriter(qint64 size)
+        : m_bytes(size, Qt::Uninitialized)
+        , m_out(m_bytes.data())
     {
     }
     void int32(qint32 value)
     {
-        const qint32 le = qToLittleEndian(value);
-        m_device->write(reinterpret_cast<const char *>(&le), sizeof le);
+        qToLittleEndian(value, m_out);
+        m_out += 4;
     }
     void boolean(bool value) { int32(value ? 1 : 0); }
-    void byte(bool value)
-    {
-        const char b = value ? 1 : 0;
-        m_device->write(&b, 1);
-    }
+    void byte(bool value) { *m_out++ = value ? 1 : 0; }
     void real(double value)
     {
         quint64 bits;
         std::memcpy(&bits, &value, sizeof bits);
-        bits = qToLittleEndian(bits);
-        m_device->write(reinterpret_cast<const char *>(&bits), sizeof bits);
+        qToLittleEndian(bits, m_out);
+        m_out += 8;
+    }
+    const QByteArray &bytes() const
+    {
+        Q_ASSERT(m_out == m_bytes.constData() + m_bytes.size());
+        return m_bytes;
     }
 
 private:
-    QIODevice *m_device;
+    QByteArray m_bytes;
+    char *m_out;
 };
 
-// Reads raw little-endian values. A value that cannot be read whole leaves
-// its target alone; after the first short read nothing more is asked of the
-// device, so a huge declared count on a short stream ends quickly.
+// Reads raw little-endian values out of one record's bytes. A value that
+// cannot be read whole leaves its target alone. Without bytes it only counts
+// what a record of a version takes.
 class StreamReader
 {
 public:
-    explicit StreamReader(QIODevice *device)
-        : m_device(device)
+    StreamReader() = default;
+    explicit StreamReader(const QByteArray &bytes)
+        : m_data(bytes.constData())
+        , m_size(bytes.size())
     {
     }
+    qint64 counted() const { return m_pos; }
+
     void int32(qint32 &target)
     {
         char raw[4];
@@ -88,16 +97,22 @@ public:
 private:
     bool fill(char *raw, qint64 size)
     {
-        if (m_exhausted)
+        if (!m_data) {
+            m_pos += size;
             return false;
-        if (m_device->read(raw, size) == size)
-            return true;
-        m_exhausted = true;
-        return false;
+        }
+        if (m_pos + size > m_size) {
+            m_pos = m_size;
+            return false;
+        }
+        std::memcpy(raw, m_data + m_pos, size_t(size));
+        m_pos += size;
+        return true;
     }
 
-    QIODevice *m_device;
-    bool m_exhausted = false;
+    const char *m_data = nullptr;
+    qint64 m_size = 0;
+    qint64 m_pos = 0;
 };
 
 void writeLaser(StreamWriter &out, const LaserParam &laser)
@@ -199,11 +214,19 @@ void readLayer(StreamReader &in, CLayerParam &layer, qint32 version)
         in.int32(layer.AUX_INDEX);
 }
 
+qint64 recordSize(qint32 version)
+{
+    CLayerParam scratch;
+    StreamReader measure;
+    readLayer(measure, scratch, version);
+    return measure.counted();
+}
+
 } // namespace
 
 void WriteLayerStream(QIODevice *device, const LayerList &layers)
 {
-    StreamWriter out(device);
+    StreamWriter out(8 + qint64(layers.size()) * recordSize(kLayerStreamVersion));
     out.int32(kLayerStreamVersion);
     out.int32(qint32(layers.size()));
     for (const auto &record : layers) {
@@ -236,26 +259,32 @@ void WriteLayerStream(QIODevice *device, const LayerList &layers)
         out.real(layer.CUT.CUT_COMPENSATE_SIZE);
         out.int32(layer.AUX_INDEX);
     }
+    device->write(out.bytes());
 }
 
 void ReadLayerStream(QIODevice *device, LayerList &layers)
 {
-    StreamReader in(device);
     // An empty device is an empty document, not a version-0 one.
     qint32 version = kLayerStreamVersion;
-    in.int32(version);
+    StreamReader(device->read(4)).int32(version);
     qint32 count = 21;
     if (version >= 4) {
         count = 0;
-        in.int32(count);
+        StreamReader(device->read(4)).int32(count);
     }
-    if (count < 0)
-        count = 0;
-    if (count > kMaxStreamLayers)
-        count = kMaxStreamLayers;
+    count = qBound(0, count, kMaxStreamLayers);
+
+    // Records have a fixed size per version: read each one whole. Once the
+    // device comes up short it is at its end, and every later value keeps its
+    // default without asking the device again.
+    const qint64 size = recordSize(version);
+    bool ended = false;
     layers.reserve(layers.size() + size_t(count));
     for (qint32 i = 0; i < count; ++i) {
+        const QByteArray bytes = ended ? QByteArray() : device->read(size);
+        ended = ended || bytes.size() < size;
         auto layer = std::make_unique<CLayerParam>();
+        StreamReader in(bytes);
         readLayer(in, *layer, version);
         layers.push_back(std::move(layer));
     }

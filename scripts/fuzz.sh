@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Runs each libFuzzer harness for the given number of seconds on a copy of
+# its seed corpus; stops at the first crash.
+set -euo pipefail
+build=${1:-build-fuzz}
+seconds=${2:-60}
+root=$(cd "$(dirname "$0")/.." && pwd)
+work="$build/fuzz-work"
+mkdir -p "$work"
+for harness in "$build"/fuzz/fuzz_*; do
+    [ -x "$harness" ] || continue
+    name=$(basename "$harness")
+    corpus="$work/$name"
+    mkdir -p "$corpus"
+    if [ -d "$root/fuzz/corpus/$name" ]; then
+        cp -n "$root/fuzz/corpus/$name"/* "$corpus"/ 2>/dev/null || true
+    fi
+    echo "== $name for ${seconds}s"
+    (cd "$work" && "$harness" -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=20 \
+        -print_final_stats=1 "$corpus")
+done
