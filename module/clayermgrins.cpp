@@ -123,15 +123,15 @@ quint64 CLayerMgrIns::UpdateLayers(CShapeList *shapes)
     snapshot.reserve(before);
     for (const auto &layer : m_layers)
         snapshot.push_back(*layer);
-    std::vector<int> hits(before, 0);
 
     // One slot per colour seen: index < before is an existing layer, above is
-    // a layer made in this pass. A slot also notes whether a selected shape has
-    // the colour, so one pass answers every question about the shapes.
+    // a layer made in this pass. The slot counts the shapes of the colour and
+    // notes whether one of them is selected, so one pass answers every
+    // question about the shapes.
     ColorIndex colors(before + 64);
     for (size_t i = 0; i < before; ++i) {
         bool inserted = false;
-        ColorIndex::Slot &slot = colors.insert(m_layers[i]->COLOR, &inserted);
+        ColorIndex::Slot &slot = colors.claim(m_layers[i]->COLOR, &inserted);
         if (inserted)
             slot.index = int(i);
     }
@@ -140,44 +140,37 @@ quint64 CLayerMgrIns::UpdateLayers(CShapeList *shapes)
     // Read once per pass: nothing can change the settings between two shapes.
     std::optional<int> sweepVertType;
     const int count = shapes->GetCount();
-    quint32 lastColor = 0;
-    ColorIndex::Slot *last = nullptr;
     for (int s = 0; s < count; ++s) {
         const CShape *shape = shapes->GetShape(s);
         const quint32 c = shape->GetColor();
         const bool selected = shape->IsSelected();
-        ColorIndex::Slot *slot = last;
-        if (!last || c != lastColor) {
-            bool inserted = false;
-            slot = &colors.insert(c, &inserted);
-            if (inserted) {
-                if (!sweepVertType)
-                    sweepVertType = userSweepVertType();
-                auto layer = createLayer(c, *sweepVertType);
-                if (m_pendingNonOutput.remove(c))
-                    layer->OUTPUT = false;
-                if (shape->GetType() == SHAPE_IMAGE) {
-                    if (layer->WORK_TYPE != WORK_DEEP_ENGRAVE)
-                        layer->WORK_TYPE = WORK_SHALLOW_ENGRAVE;
-                    layer->FILL_LOCKED = true;
-                    layer->SWEEP.SWEEP_TYPE = 0;
-                }
-                slot->index = int(before + made.size());
-                made.push_back(std::move(layer));
+        ColorIndex::Slot *slot = &colors.lookup(c);
+        if (Q_UNLIKELY(!slot->used)) {
+            if (!sweepVertType)
+                sweepVertType = userSweepVertType();
+            auto layer = createLayer(c, *sweepVertType);
+            if (m_pendingNonOutput.remove(c))
+                layer->OUTPUT = false;
+            if (shape->GetType() == SHAPE_IMAGE) {
+                if (layer->WORK_TYPE != WORK_DEEP_ENGRAVE)
+                    layer->WORK_TYPE = WORK_SHALLOW_ENGRAVE;
+                layer->FILL_LOCKED = true;
+                layer->SWEEP.SWEEP_TYPE = 0;
             }
-            lastColor = c;
-            last = slot;
+            slot = &colors.claim(c);
+            slot->index = int(before + made.size());
+            made.push_back(std::move(layer));
         }
-        if (size_t(slot->index) < before)
-            ++hits[size_t(slot->index)];
-        if (selected)
-            slot->selected = true;
+        ++slot->hits;
+        slot->selected |= selected;
     }
 
     // Layers no shape uses go, their parameters remembered.
     bool removed = false;
     for (size_t i = before; i-- > 0;) {
-        if (hits[i] != 0)
+        const ColorIndex::Slot *slot = colors.find(m_layers[i]->COLOR);
+        // Only the first layer of a colour gets its shapes.
+        if (slot->index == int(i) && slot->hits != 0)
             continue;
         remember(*m_layers[i]);
         g_LayerContext.RemoveRunningOption(m_layers[i]->COLOR);
@@ -343,7 +336,7 @@ void CLayerMgrIns::SelectLayersOfShapes(CShapeList *shapes)
         return;
     ColorIndex layerColors(m_layers.size());
     for (const auto &layer : m_layers)
-        layerColors.insert(layer->COLOR, nullptr).index = 0;
+        layerColors.claim(layer->COLOR).index = 0;
 
     // Carried from group to group: a one-member group keeps the last answer.
     bool sameColor = false;

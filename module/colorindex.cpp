@@ -3,50 +3,47 @@
 ColorIndex::ColorIndex(size_t expected)
 {
     size_t capacity = 16;
-    while (capacity < expected * 2)
+    while (capacity < expected * 8)
         capacity *= 2;
     m_slots.resize(capacity);
+    setCapacity(capacity);
+}
+
+void ColorIndex::setCapacity(size_t capacity)
+{
     m_mask = capacity - 1;
+    m_shift = 32;
+    while (capacity > 1) {
+        capacity >>= 1;
+        --m_shift;
+    }
 }
 
-size_t ColorIndex::probe(quint32 color) const
+ColorIndex::Slot &ColorIndex::claim(quint32 color, bool *inserted)
 {
-    size_t i = size_t((color * 0x9E3779B1u) >> 7) & m_mask;
-    while (m_slots[i].used && m_slots[i].color != color)
-        i = (i + 1) & m_mask;
-    return i;
-}
-
-ColorIndex::Slot *ColorIndex::find(quint32 color)
-{
-    Slot &slot = m_slots[probe(color)];
-    return slot.used ? &slot : nullptr;
-}
-
-ColorIndex::Slot &ColorIndex::insert(quint32 color, bool *inserted)
-{
-    size_t i = probe(color);
-    const bool fresh = !m_slots[i].used;
+    Slot *slot = &lookup(color);
+    const bool fresh = !slot->used;
     if (fresh) {
-        if ((m_size + 1) * 2 > m_slots.size()) {
+        // Kept at most an eighth full: nearly every probe ends at its first slot.
+        if ((m_size + 1) * 8 > m_slots.size()) {
             grow();
-            i = probe(color);
+            slot = &lookup(color);
         }
-        m_slots[i] = Slot{color, -1, true, false};
+        *slot = Slot{color, -1, 0, true, false};
         ++m_size;
     }
     if (inserted)
         *inserted = fresh;
-    return m_slots[i];
+    return *slot;
 }
 
 void ColorIndex::grow()
 {
     std::vector<Slot> old = std::move(m_slots);
     m_slots.assign(old.size() * 2, Slot{});
-    m_mask = m_slots.size() - 1;
+    setCapacity(m_slots.size());
     for (const Slot &slot : old) {
         if (slot.used)
-            m_slots[probe(slot.color)] = slot;
+            lookup(slot.color) = slot;
     }
 }
