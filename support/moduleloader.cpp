@@ -54,6 +54,20 @@ bool loadLibrary(QLibrary &library, const QString &name)
     return library.load();
 }
 
+// Qt shares one handle among all QLibrary objects of a file, and one unload()
+// closes it for all of them: a library another record still uses stays.
+void unloadUnlessShared(QLibrary &library)
+{
+    if (!library.isLoaded())
+        return;
+    for (const auto &other : modules()) {
+        if (other->library.get() != &library && other->library->isLoaded()
+            && other->library->fileName() == library.fileName())
+            return;
+    }
+    library.unload();
+}
+
 } // namespace
 
 void *LoadModule(const QString &name, bool showErrors, void *reserved)
@@ -94,8 +108,7 @@ void *LoadModule(const QString &name, bool showErrors, void *reserved)
         && QThread::currentThread() == QCoreApplication::instance()->thread()) {
         presenter()(QStringLiteral("Tips"), text);
     }
-    if (record->library->isLoaded())
-        record->library->unload();
+    unloadUnlessShared(*record->library);
     return nullptr;
 }
 
@@ -108,7 +121,7 @@ bool ReleaseModule(void *module)
             continue;
         if (record.library && record.release && record.module) {
             record.release(record.module);
-            record.library->unload();
+            unloadUnlessShared(*record.library);
         }
         list.erase(std::next(it).base());
         break;
