@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDialog>
+
+// Base of every dialog of the module: a title bar with only a close button,
+// and centred on the primary screen each time it is shown.
+class BaseDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit BaseDialog(QWidget *parent = nullptr);
+
+    bool CenterOnShow() const { return m_centerOnShow; }
+    void SetCenterOnShow(bool center) { m_centerOnShow = center; }
+
+protected:
+    void showEvent(QShowEvent *event) override;
+
+private:
+    bool m_centerOnShow = true;
+};
