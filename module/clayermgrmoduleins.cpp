@@ -1,12 +1,14 @@
 #include "clayermgrmoduleins.h"
 
 #include "clayermgrins.h"
+#include "deletequestion.h"
 #include "ilayerpanel.h"
 #include "library/clayercontext.h"
 #include "support/moduleloader.h"
 
 #include "ilog.h"
 
+#include <QFile>
 #include <QHBoxLayout>
 #include <QMessageBox>
 #include <QWidget>
@@ -25,6 +27,8 @@ void showLoaderError(const QString &title, const QString &text)
 CLayerMgrModuleIns::CLayerMgrModuleIns()
 {
     SetModuleErrorPresenter(&showLoaderError);
+    InstallDeletionQuestion();
+    g_LayerContext.Store().Load();
 }
 
 CLayerMgrModuleIns::~CLayerMgrModuleIns() = default;
@@ -73,9 +77,12 @@ void CLayerMgrModuleIns::ReleaseLayerMgr(ILayerMgr *manager)
 
 void CLayerMgrModuleIns::ReloadLibrary()
 {
-    // Taking over a library file needs the library store, which is not part
-    // of this build yet; the file is left where it is.
-    ILog_WriteLogF(2, "ReloadLibrary: no library store, %s", "nothing taken over");
+    const QString path = CLibraryStore::UserLibraryPath();
+    const bool taken = g_LayerContext.Store().BackupAndTakeOver(path);
+    ILog_WriteLogF(2, "ReloadLibrary: %s", taken ? "library taken over" : "nothing taken over");
+    // Deleted whatever the outcome; the library stays in memory until the
+    // next save writes the file again.
+    QFile::remove(path);
 }
 
 CLayerMgrModuleApi *NewLayerMgrModule()

@@ -1,0 +1,616 @@
+#include "librarydocument.h"
+
+#include "crunningoptions.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSaveFile>
+#include <QSet>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <set>
+
+namespace {
+
+// Keys of the document, spelled as the files have them.
+const QLatin1String kVersion("Version");
+const QLatin1String kType("Type");
+const QLatin1String kPower("Power");
+const QLatin1String kCustom("Custom");
+const QLatin1String kMaterial("Material");
+const QLatin1String kId("id");
+const QLatin1String kIconPath("IconPath");
+const QLatin1String kIconData("IconBase64Data");
+const QLatin1String kThickness("Thickness");
+const QLatin1String kNote("Note");
+const QLatin1String kBlowing("Blowing");
+const QLatin1String kSpeed("Speed");
+const QLatin1String kTurnPower("Turn power");
+const QLatin1String kFrequency1("Frequency1");
+const QLatin1String kPulseWidth1("Pulse Width1");
+const QLatin1String kSealLength("Seal length");
+const QLatin1String kBridges("Bridges");
+const QLatin1String kBridgesSpace("Bridges Space");
+const QLatin1String kBridgesLength("Bridges Length");
+const QLatin1String kUseGuideLine("Use Guide Line");
+const QLatin1String kPower2("Power2");
+const QLatin1String kTurnPower2("Turn power2");
+const QLatin1String kFrequency2("Frequency2");
+const QLatin1String kPulseWidth2("Pulse Width2");
+const QLatin1String kGuideLine("Guide Line");
+const QLatin1String kGuideType("Guide Type");
+const QLatin1String kGuideIn("Guide In");
+const QLatin1String kGuideInLen("Guide In Len");
+const QLatin1String kGuideOut("Guide Out");
+const QLatin1String kGuideOutLen("Guide Out Len");
+const QLatin1String kPenAction("Pen Action");
+const QLatin1String kPenUpDown("Enable PenUpDown");
+const QLatin1String kPenDown("Enable PenDown");
+const QLatin1String kPenUp("Enable PenUp");
+const QLatin1String kPenDownHeight("PenDown Height");
+// Three blanks: the files have it so.
+const QLatin1String kPenUpHeight("PenUp   Height");
+const QLatin1String kCompensate("Laser Compensate");
+const QLatin1String kUseCompensate("Use Laser Compensate");
+const QLatin1String kCompensateOutward("Compensate Outward");
+const QLatin1String kCompensateSize("Compensate Size");
+const QLatin1String kDpi("DPI output");
+const QLatin1String kMode("Mode");
+const QLatin1String kRampLength("Ramp length");
+const QLatin1String kIs3DRelief("Is3DRelief");
+const QLatin1String kOffsetEngraving("Offset Engraving");
+const QLatin1String kOffsetType("Offset Type");
+const QLatin1String kOffsetDistance("Offset Engraving Distance");
+const QLatin1String kIsRamp("IsRamp");
+const QLatin1String kMinPower("MinPower");
+const QLatin1String kMaxPower("MaxPower");
+const QLatin1String kCarvingNumber("CarvingNumber");
+const QLatin1String kTwoWay("Two way laser");
+const QLatin1String kOneWay("One way laser");
+
+// Per-laser keys, suffix 1 and 2.
+struct LaserKeys
+{
+    QLatin1String jumpDelay, cornerDelay, dwellMode, dwellOn, startDwell, endDwell, startDwellTime,
+        endDwellTime, dwellPower;
+};
+const LaserKeys kLaserKeys[2] = {
+    {QLatin1String("Jump Delay1"), QLatin1String("Corner Delay1"),
+     QLatin1String("Laser Dwell Mode1"), QLatin1String("Laser Dwell1"),
+     QLatin1String("Start Dwell1"), QLatin1String("End Dwell1"),
+     QLatin1String("Start Dwell Time1"), QLatin1String("End Dwell Time1"),
+     QLatin1String("Laser Dwell Power1")},
+    {QLatin1String("Jump Delay2"), QLatin1String("Corner Delay2"),
+     QLatin1String("Laser Dwell Mode2"), QLatin1String("Laser Dwell2"),
+     QLatin1String("Start Dwell2"), QLatin1String("End Dwell2"),
+     QLatin1String("Start Dwell Time2"), QLatin1String("End Dwell Time2"),
+     QLatin1String("Laser Dwell Power2")},
+};
+
+// Numbers read as doubles then cut to whole numbers; a value beyond the
+// range of int saturates instead of overflowing.
+qint32 truncated(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value >= double(std::numeric_limits<qint32>::max()))
+        return std::numeric_limits<qint32>::max();
+    if (value <= double(std::numeric_limits<qint32>::min()))
+        return std::numeric_limits<qint32>::min();
+    return qint32(value);
+}
+
+CLibPen readPen(const QJsonObject &o)
+{
+    CLibPen pen;
+    pen.enableUpDown = o.value(kPenUpDown).toBool(false);
+    pen.enableDown = o.value(kPenDown).toBool(true);
+    pen.enableUp = o.value(kPenUp).toBool(true);
+    pen.downHeight = o.value(kPenDownHeight).toDouble(3.0);
+    pen.upHeight = o.value(kPenUpHeight).toDouble(3.0);
+    return pen;
+}
+
+QJsonObject writePen(const CLibPen &pen)
+{
+    QJsonObject o;
+    o.insert(kPenUpDown, pen.enableUpDown);
+    o.insert(kPenDown, pen.enableDown);
+    o.insert(kPenUp, pen.enableUp);
+    o.insert(kPenDownHeight, pen.downHeight);
+    o.insert(kPenUpHeight, pen.upHeight);
+    return o;
+}
+
+void readDelays(const QJsonObject &o, int which, CLibLaser &laser)
+{
+    const LaserKeys &k = kLaserKeys[which];
+    laser.jumpDelay = o.value(k.jumpDelay).toInt(0);
+    laser.cornerDelay = o.value(k.cornerDelay).toInt(0);
+}
+
+void writeDelays(QJsonObject &o, int which, const CLibLaser &laser)
+{
+    const LaserKeys &k = kLaserKeys[which];
+    o.insert(k.jumpDelay, laser.jumpDelay);
+    o.insert(k.cornerDelay, laser.cornerDelay);
+}
+
+void readDwell(const QJsonObject &o, int which, CLibLaser &laser)
+{
+    const LaserKeys &k = kLaserKeys[which];
+    laser.dwellMode = o.value(k.dwellMode).toBool(false);
+    laser.dwellOn = o.value(k.dwellOn).toBool(false);
+    laser.startDwell = o.value(k.startDwell).toBool(false);
+    laser.endDwell = o.value(k.endDwell).toBool(false);
+    laser.startDwellTime = o.value(k.startDwellTime).toInt(0);
+    laser.endDwellTime = o.value(k.endDwellTime).toInt(0);
+    laser.dwellPower = o.value(k.dwellPower).toDouble(0.0);
+}
+
+void writeDwell(QJsonObject &o, int which, const CLibLaser &laser)
+{
+    const LaserKeys &k = kLaserKeys[which];
+    o.insert(k.dwellMode, laser.dwellMode);
+    o.insert(k.dwellOn, laser.dwellOn);
+    o.insert(k.startDwell, laser.startDwell);
+    o.insert(k.endDwell, laser.endDwell);
+    o.insert(k.startDwellTime, laser.startDwellTime);
+    o.insert(k.endDwellTime, laser.endDwellTime);
+    o.insert(k.dwellPower, laser.dwellPower);
+}
+
+CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
+{
+    CLibCutSet set;
+    set.key = key;
+    set.blowing = o.value(kBlowing).toBool(false);
+    // Whole numbers only: 12.5 reads as 0, as it always has.
+    set.speed = o.value(kSpeed).toInt(0);
+    set.laser1.power = o.value(kPower).toDouble(0.0);
+    set.laser1.turnPower = o.value(kTurnPower).toDouble(0.0);
+    set.laser1.frequency = truncated(o.value(kFrequency1).toDouble(4000.0));
+    set.laser1.pulseWidth = truncated(o.value(kPulseWidth1).toDouble(500.0));
+    set.sealLength = o.value(kSealLength).toInt(0);
+    if (key.craft == LIB_CRAFT_CUTTING) {
+        set.bridges = o.value(kBridges).toBool(false);
+        set.bridgesSpace = o.value(kBridgesSpace).toDouble(0.0);
+        set.bridgesLength = o.value(kBridgesLength).toDouble(0.0);
+        set.useGuideLine = o.value(kUseGuideLine).toBool(false);
+        const QJsonObject guide = o.value(kGuideLine).toObject();
+        set.guideType = guide.value(kGuideType).toInt(0);
+        set.guideIn = guide.value(kGuideIn).toInt(0);
+        set.guideInLen = guide.value(kGuideInLen).toDouble(0.0);
+        set.guideOut = guide.value(kGuideOut).toInt(0);
+        set.guideOutLen = guide.value(kGuideOutLen).toDouble(0.0);
+        const QJsonObject compensate = o.value(kCompensate).toObject();
+        set.useCompensate = compensate.value(kUseCompensate).toBool(false);
+        set.compensateOutward = compensate.value(kCompensateOutward).toBool(true);
+        set.compensateSize = compensate.value(kCompensateSize).toDouble(0.25);
+    }
+    set.laser2.power = o.value(kPower2).toDouble(20.0);
+    set.laser2.turnPower = o.value(kTurnPower2).toDouble(20.0);
+    set.laser2.frequency = truncated(o.value(kFrequency2).toDouble(4000.0));
+    set.laser2.pulseWidth = truncated(o.value(kPulseWidth2).toDouble(500.0));
+    for (int which = 0; which < 2; ++which) {
+        CLibLaser &laser = which == 0 ? set.laser1 : set.laser2;
+        readDelays(o, which, laser);
+        readDwell(o, which, laser);
+    }
+    set.pen = readPen(o.value(kPenAction).toObject());
+    set.note = o.value(kNote).toString();
+    return set;
+}
+
+QJsonObject writeCut(const CLibCutSet &set)
+{
+    QJsonObject o;
+    o.insert(kBlowing, set.blowing);
+    o.insert(kSpeed, set.speed);
+    o.insert(kPower, set.laser1.power);
+    o.insert(kTurnPower, set.laser1.turnPower);
+    o.insert(kFrequency1, set.laser1.frequency);
+    o.insert(kPulseWidth1, set.laser1.pulseWidth);
+    o.insert(kSealLength, set.sealLength);
+    o.insert(kBridges, set.bridges);
+    o.insert(kBridgesSpace, set.bridgesSpace);
+    o.insert(kBridgesLength, set.bridgesLength);
+    o.insert(kUseGuideLine, set.useGuideLine);
+    o.insert(kPower2, set.laser2.power);
+    o.insert(kTurnPower2, set.laser2.turnPower);
+    o.insert(kFrequency2, set.laser2.frequency);
+    o.insert(kPulseWidth2, set.laser2.pulseWidth);
+    writeDelays(o, 0, set.laser1);
+    writeDelays(o, 1, set.laser2);
+    writeDwell(o, 0, set.laser1);
+    writeDwell(o, 1, set.laser2);
+    QJsonObject guide;
+    guide.insert(kGuideType, set.guideType);
+    guide.insert(kGuideIn, set.guideIn);
+    guide.insert(kGuideInLen, set.guideInLen);
+    guide.insert(kGuideOut, set.guideOut);
+    guide.insert(kGuideOutLen, set.guideOutLen);
+    o.insert(kGuideLine, guide);
+    o.insert(kPenAction, writePen(set.pen));
+    QJsonObject compensate;
+    compensate.insert(kUseCompensate, set.useCompensate);
+    compensate.insert(kCompensateOutward, set.compensateOutward);
+    compensate.insert(kCompensateSize, set.compensateSize);
+    o.insert(kCompensate, compensate);
+    o.insert(kNote, set.note);
+    return o;
+}
+
+CLibSweepSet readSweep(const QJsonObject &o, const CLibKey &key)
+{
+    CLibSweepSet set;
+    set.key = key;
+    set.blowing = o.value(kBlowing).toBool(false);
+    set.speed = o.value(kSpeed).toDouble(0.0);
+    set.laser1.power = o.value(kPower).toDouble(0.0);
+    set.laser1.frequency = truncated(o.value(kFrequency1).toDouble(4000.0));
+    set.laser1.pulseWidth = truncated(o.value(kPulseWidth1).toDouble(500.0));
+    set.laser2.power = o.value(kPower2).toDouble(20.0);
+    set.laser2.frequency = truncated(o.value(kFrequency2).toDouble(4000.0));
+    set.laser2.pulseWidth = truncated(o.value(kPulseWidth2).toDouble(500.0));
+    set.dpi = o.value(kDpi).toInt(0);
+    // Written as a number, read by name: a number reads as 0.
+    set.mode = SweepModeIndex(o.value(kMode).toString());
+    set.rampLength = o.value(kRampLength).toDouble(0.0);
+    set.is3DRelief = o.value(kIs3DRelief).toBool(false);
+    set.offsetEngraving = o.value(kOffsetEngraving).toBool(false);
+    set.offsetType = o.value(kOffsetType).toInt(0);
+    set.offsetDistance = o.value(kOffsetDistance).toDouble(0.1);
+    readDelays(o, 0, set.laser1);
+    readDelays(o, 1, set.laser2);
+    if (key.craft == LIB_CRAFT_DEEP) {
+        set.isRamp = o.value(kIsRamp).toBool(false);
+        set.minPower = o.value(kMinPower).toDouble(0.0);
+        set.maxPower = o.value(kMaxPower).toDouble(0.0);
+        set.carvingNumber = o.value(kCarvingNumber).toInt(0);
+    }
+    set.pen = readPen(o.value(kPenAction).toObject());
+    set.note = o.value(kNote).toString();
+    return set;
+}
+
+QJsonObject writeSweep(const CLibSweepSet &set)
+{
+    QJsonObject o;
+    o.insert(kBlowing, set.blowing);
+    o.insert(kSpeed, set.speed);
+    o.insert(kPower, set.laser1.power);
+    o.insert(kFrequency1, set.laser1.frequency);
+    o.insert(kPulseWidth1, set.laser1.pulseWidth);
+    o.insert(kPower2, set.laser2.power);
+    o.insert(kFrequency2, set.laser2.frequency);
+    o.insert(kPulseWidth2, set.laser2.pulseWidth);
+    o.insert(kDpi, set.dpi);
+    o.insert(kMode, set.mode);
+    o.insert(kRampLength, set.rampLength);
+    o.insert(kIs3DRelief, set.is3DRelief);
+    o.insert(kOffsetEngraving, set.offsetEngraving);
+    o.insert(kOffsetType, set.offsetType);
+    o.insert(kOffsetDistance, set.offsetDistance);
+    writeDelays(o, 0, set.laser1);
+    writeDelays(o, 1, set.laser2);
+    if (set.key.craft == LIB_CRAFT_DEEP) {
+        o.insert(kIsRamp, set.isRamp);
+        o.insert(kMinPower, set.minPower);
+        o.insert(kMaxPower, set.maxPower);
+        o.insert(kCarvingNumber, set.carvingNumber);
+    }
+    o.insert(kPenAction, writePen(set.pen));
+    o.insert(kNote, set.note);
+    return o;
+}
+
+bool isNonEmpty(const QJsonValue &value)
+{
+    switch (value.type()) {
+    case QJsonValue::Null:
+    case QJsonValue::Undefined:
+        return false;
+    case QJsonValue::Object:
+        return !value.toObject().isEmpty();
+    case QJsonValue::Array:
+        return !value.toArray().isEmpty();
+    case QJsonValue::String:
+        return !value.toString().isEmpty();
+    default:
+        return true;
+    }
+}
+
+// A positive whole number that fits an int, else 0.
+qint64 usableId(const QJsonValue &value)
+{
+    if (!value.isDouble())
+        return 0;
+    const double id = value.toDouble();
+    if (!(id >= 1.0 && id <= double(std::numeric_limits<qint32>::max())) || id != std::floor(id))
+        return 0;
+    return qint64(id);
+}
+
+void readThickness(const QJsonObject &crafts, const CLibKey &base, CMaterialLibrary &library)
+{
+    CLibKey key = base;
+    for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
+        const QJsonValue value = crafts.value(CraftName(craft));
+        key.craft = craft;
+        if (craft == LIB_CRAFT_MARK) {
+            if (isNonEmpty(value))
+                library.InsertMarkSetIfAbsent({key, QString()});
+        } else if (value.isObject()) {
+            if (IsCutCraft(craft))
+                library.InsertCutSetIfAbsent(readCut(value.toObject(), key));
+            else
+                library.InsertSweepSetIfAbsent(readSweep(value.toObject(), key));
+        }
+    }
+}
+
+struct PendingMaterial
+{
+    qint64 id;
+    QString name;
+    QJsonObject object;
+};
+
+void readMaterials(const QJsonObject &materials, quint32 tube, qint32 power,
+                   std::vector<CLibMaterial> &run, QSet<QString> &names,
+                   CMaterialLibrary &library)
+{
+    std::vector<PendingMaterial> pending;
+    pending.reserve(size_t(materials.size()));
+    for (auto it = materials.begin(); it != materials.end(); ++it) {
+        if (!it.value().isObject())
+            continue;
+        const QJsonObject object = it.value().toObject();
+        pending.push_back({usableId(object.value(kId)), it.key(), object});
+    }
+    // Ascending id; ties and materials without one keep the key order.
+    std::stable_sort(pending.begin(), pending.end(),
+                     [](const PendingMaterial &a, const PendingMaterial &b) {
+                         if ((a.id == 0) != (b.id == 0))
+                             return b.id == 0;
+                         return a.id < b.id;
+                     });
+
+    for (const PendingMaterial &p : pending) {
+        // A second material of the same name under the same tube and power
+        // (a duplicated power entry) gives way to the first.
+        if (names.contains(p.name))
+            continue;
+        names.insert(p.name);
+        CLibMaterial material;
+        material.name = p.name;
+        material.tube = tube;
+        material.power = power;
+        material.iconPath = p.object.value(kIconPath).toString();
+        material.iconBase64 = p.object.value(kIconData).toString();
+
+        std::set<double> seen;
+        const QJsonObject thicknesses = p.object.value(kThickness).toObject();
+        for (auto it = thicknesses.begin(); it != thicknesses.end(); ++it) {
+            bool ok = false;
+            const double thickness = it.key().toDouble(&ok);
+            if (!ok || !std::isfinite(thickness))
+                continue;
+            const auto near = seen.lower_bound(thickness - kThicknessTolerance);
+            const bool known = near != seen.end() && *near <= thickness + kThicknessTolerance;
+            if (!known) {
+                seen.insert(thickness);
+                material.thicknesses.push_back(thickness);
+            }
+            if (it.value().isObject()) {
+                readThickness(it.value().toObject(), {tube, power, p.name, thickness, 0},
+                              library);
+            }
+        }
+        run.push_back(std::move(material));
+    }
+}
+
+} // namespace
+
+QString ThicknessKey(double thickness)
+{
+    return QString::number(thickness, 'f', 2);
+}
+
+qint32 SweepModeIndex(const QString &name)
+{
+    if (name == kOneWay)
+        return 1;
+    return 0;
+}
+
+QString LibraryReadResult::reason() const
+{
+    QString text;
+    switch (status) {
+    case ELibraryRead::Ok:
+        return QString();
+    case ELibraryRead::CannotOpen:
+        text = QStringLiteral("cannot open");
+        break;
+    case ELibraryRead::TooLarge:
+        text = QStringLiteral("too large");
+        break;
+    case ELibraryRead::NotJson:
+        text = QStringLiteral("not JSON");
+        break;
+    case ELibraryRead::NotObject:
+        text = QStringLiteral("not a JSON object");
+        break;
+    case ELibraryRead::NoType:
+        text = QStringLiteral("no \"Type\"");
+        break;
+    }
+    if (!detail.isEmpty())
+        text += QStringLiteral(" (") + detail + QLatin1Char(')');
+    return text;
+}
+
+bool ReadMaterialLibrary(const QJsonObject &root, CMaterialLibrary &library)
+{
+    library.Clear();
+    const QJsonValue types = root.value(kType);
+    if (!types.isObject())
+        return false;
+    const QJsonValue version = root.value(kVersion);
+    library.SetVersion(version.isUndefined() ? QJsonValue(0) : version);
+
+    // Materials are gathered per tube/power pair so that each pair's run
+    // stays together even when a file names the same pair twice.
+    std::vector<std::pair<quint64, std::vector<CLibMaterial>>> runs;
+    QHash<quint64, size_t> runOf;
+    QHash<quint64, QSet<QString>> namesOf;
+
+    const QJsonObject typeObject = types.toObject();
+    for (auto it = typeObject.begin(); it != typeObject.end(); ++it) {
+        const quint32 tube = TubeTypeIndex(it.key());
+        library.AddTube(tube);
+        const QJsonArray entries = it.value().toArray();
+        for (const QJsonValue &entryValue : entries) {
+            if (!entryValue.isObject())
+                continue;
+            const QJsonObject entry = entryValue.toObject();
+            const qint32 power = entry.value(kPower).toInt(80);
+            const quint64 pair = (quint64(tube) << 32) | quint32(power);
+            auto found = runOf.constFind(pair);
+            if (found == runOf.cend()) {
+                library.AppendTubePower(tube, power, entry.value(kCustom).toBool(false));
+                found = runOf.insert(pair, runs.size());
+                runs.emplace_back(pair, std::vector<CLibMaterial>());
+            }
+            readMaterials(entry.value(kMaterial).toObject(), tube, power, runs[*found].second,
+                          namesOf[pair], library);
+        }
+    }
+
+    size_t total = 0;
+    for (const auto &run : runs)
+        total += run.second.size();
+    std::vector<CLibMaterial> materials;
+    materials.reserve(total);
+    for (auto &run : runs) {
+        for (CLibMaterial &material : run.second)
+            materials.push_back(std::move(material));
+    }
+    library.AdoptMaterials(std::move(materials));
+    return true;
+}
+
+LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &library)
+{
+    library.Clear();
+    if (!device || !device->isReadable())
+        return {ELibraryRead::CannotOpen, QString()};
+    if (!device->isSequential() && device->size() - device->pos() > kMaxLibraryFileSize)
+        return {ELibraryRead::TooLarge, QString::number(device->size()) + QStringLiteral(" bytes")};
+    const QByteArray bytes = device->readAll();
+    if (bytes.size() > kMaxLibraryFileSize)
+        return {ELibraryRead::TooLarge, QString::number(bytes.size()) + QStringLiteral(" bytes")};
+
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    if (error.error != QJsonParseError::NoError) {
+        return {ELibraryRead::NotJson,
+                error.errorString() + QStringLiteral(" at offset ") + QString::number(error.offset)};
+    }
+    if (!document.isObject())
+        return {ELibraryRead::NotObject, QString()};
+    if (!ReadMaterialLibrary(document.object(), library))
+        return {ELibraryRead::NoType, QString()};
+    return {};
+}
+
+LibraryReadResult ReadMaterialLibraryFile(const QString &path, CMaterialLibrary &library)
+{
+    library.Clear();
+    if (QFileInfo(path).isDir())
+        return {ELibraryRead::CannotOpen, QStringLiteral("is a directory")};
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {ELibraryRead::CannotOpen, file.errorString()};
+    return ReadMaterialLibrary(&file, library);
+}
+
+QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
+{
+    QJsonObject types;
+    CLibKey key;
+    for (const CLibTube &tube : library.Tubes()) {
+        QJsonArray entries;
+        key.tube = tube.type;
+        for (const CLibPower &power : tube.powers) {
+            key.power = power.power;
+            QJsonObject materials;
+            int id = 0;
+            for (const CLibMaterial *material : library.MaterialsOf(tube.type, power.power)) {
+                key.material = material->name;
+                QJsonObject thicknesses;
+                for (double thickness : material->thicknesses) {
+                    key.thickness = thickness;
+                    QJsonObject crafts;
+                    for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
+                        key.craft = craft;
+                        if (const CLibCutSet *cut = library.FindCutSet(key)) {
+                            crafts.insert(CraftName(craft), writeCut(*cut));
+                        } else if (const CLibSweepSet *sweep = library.FindSweepSet(key)) {
+                            crafts.insert(CraftName(craft), writeSweep(*sweep));
+                        } else if (const CLibMarkSet *mark = library.FindMarkSet(key)) {
+                            QJsonObject note;
+                            note.insert(kNote, mark->note);
+                            crafts.insert(CraftName(craft), note);
+                        }
+                    }
+                    thicknesses.insert(ThicknessKey(thickness), crafts);
+                }
+                QJsonObject object;
+                object.insert(kId, ++id);
+                object.insert(kIconPath, material->iconPath);
+                object.insert(kIconData, material->iconBase64);
+                object.insert(kThickness, thicknesses);
+                materials.insert(material->name, object);
+            }
+            QJsonObject entry;
+            entry.insert(kPower, power.power);
+            entry.insert(kCustom, power.custom);
+            entry.insert(kMaterial, materials);
+            entries.append(entry);
+        }
+        types.insert(TubeTypeName(tube.type), entries);
+    }
+    QJsonObject root;
+    root.insert(kVersion, library.Version());
+    root.insert(kType, types);
+    return root;
+}
+
+bool WriteMaterialLibrary(QIODevice *device, const CMaterialLibrary &library)
+{
+    if (!device || !device->isWritable())
+        return false;
+    const QByteArray bytes = QJsonDocument(MaterialLibraryToJson(library)).toJson();
+    return device->write(bytes) == bytes.size();
+}
+
+bool WriteMaterialLibraryFile(const QString &path, const CMaterialLibrary &library)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    if (!WriteMaterialLibrary(&file, library)) {
+        file.cancelWriting();
+        return false;
+    }
+    return file.commit();
+}

@@ -1,0 +1,114 @@
+#pragma once
+
+// Parameter sets whose every field differs from its default and from its
+// neighbours, so a value written under the wrong key or read into the wrong
+// field shows.
+
+#include "library/cmateriallibrary.h"
+#include "library/librarydocument.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+inline CLibKey libKey(const QString &material, double thickness, quint32 craft, quint32 tube = 2,
+                      qint32 power = 60)
+{
+    return {tube, power, material, thickness, craft};
+}
+
+inline CLibCutSet sampleCutSet(const CLibKey &key)
+{
+    CLibCutSet s;
+    s.key = key;
+    s.blowing = true;
+    s.speed = 12.5;
+    s.laser1 = {55.5, 11.25, 2000, 300, 1, 2, true, false, true, false, 7, 8, 9.5};
+    s.laser2 = {44.0, 22.0, 3000, 400, 3, 4, false, true, false, true, 5, 6, 1.5};
+    s.sealLength = 0.75;
+    s.bridges = true;
+    s.bridgesSpace = 12.0;
+    s.bridgesLength = 1.5;
+    s.useGuideLine = true;
+    s.guideType = 2;
+    s.guideIn = 1;
+    s.guideInLen = 2.5;
+    s.guideOut = 1;
+    s.guideOutLen = 3.5;
+    s.pen = {true, false, true, 4.5, 6.5};
+    s.useCompensate = true;
+    s.compensateOutward = false;
+    s.compensateSize = 0.1;
+    s.note = QStringLiteral("cut note");
+    return s;
+}
+
+inline CLibSweepSet sampleSweepSet(const CLibKey &key)
+{
+    CLibSweepSet s;
+    s.key = key;
+    s.blowing = false;
+    s.speed = 300.5;
+    s.laser1.power = 33.25;
+    s.laser1.frequency = 5000;
+    s.laser1.pulseWidth = 600;
+    s.laser1.jumpDelay = 5;
+    s.laser1.cornerDelay = 6;
+    s.laser2.power = 22.5;
+    s.laser2.frequency = 6000;
+    s.laser2.pulseWidth = 700;
+    s.laser2.jumpDelay = 7;
+    s.laser2.cornerDelay = 8;
+    s.dpi = 4;
+    s.mode = 1;
+    s.rampLength = 2.25;
+    s.is3DRelief = true;
+    s.offsetEngraving = true;
+    s.offsetType = 2;
+    s.offsetDistance = 0.05;
+    s.isRamp = true;
+    s.minPower = 10.5;
+    s.maxPower = 60.5;
+    s.carvingNumber = 3;
+    s.pen = {true, true, false, 2.5, 5.5};
+    s.note = QStringLiteral("sweep note");
+    return s;
+}
+
+inline CLibMaterial libMaterial(const QString &name, std::vector<double> thicknesses,
+                                quint32 tube = 2, qint32 power = 60)
+{
+    CLibMaterial m;
+    m.name = name;
+    m.iconPath = QStringLiteral("/Res/Icon/") + name + QStringLiteral(".png");
+    m.iconBase64 = QStringLiteral("iVBORw0KGgo=");
+    m.tube = tube;
+    m.power = power;
+    m.thicknesses = std::move(thicknesses);
+    return m;
+}
+
+// A library holding every craft under one material and thickness.
+inline CMaterialLibrary sampleLibrary()
+{
+    CMaterialLibrary library;
+    library.SetVersion(7);
+    library.AddPower(2, 60, true);
+    library.AddPower(2, 80, false);
+    library.AddMaterial(libMaterial(QStringLiteral("Birch"), {3.0}));
+    library.SetCutSet(sampleCutSet(libKey(QStringLiteral("Birch"), 3.0, 0)));
+    library.SetCutSet(sampleCutSet(libKey(QStringLiteral("Birch"), 3.0, 1)));
+    library.SetSweepSet(sampleSweepSet(libKey(QStringLiteral("Birch"), 3.0, 2)));
+    library.SetSweepSet(sampleSweepSet(libKey(QStringLiteral("Birch"), 3.0, 3)));
+    library.SetMarkSet({libKey(QStringLiteral("Birch"), 3.0, 4), QStringLiteral("mark note")});
+    return library;
+}
+
+inline QJsonObject jsonObject(const QByteArray &text)
+{
+    return QJsonDocument::fromJson(text).object();
+}
+
+inline QByteArray jsonBytes(const CMaterialLibrary &library)
+{
+    return QJsonDocument(MaterialLibraryToJson(library)).toJson();
+}
