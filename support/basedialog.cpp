@@ -5,8 +5,7 @@
 
 BaseDialog::BaseDialog(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowCloseButtonHint)
-{
-}
+{}
 
 void BaseDialog::showEvent(QShowEvent *event)
 {

@@ -120,8 +120,8 @@ int main(int argc, char **argv)
                            .arg(kScreen.height())
                            .toUtf8());
             file.close();
-            qputenv("QT_QPA_PLATFORM", QFile::encodeName(QStringLiteral("offscreen:configfile=")
-                                                         + config));
+            qputenv("QT_QPA_PLATFORM",
+                    QFile::encodeName(QStringLiteral("offscreen:configfile=") + config));
         }
     }
     QApplication app(argc, argv);

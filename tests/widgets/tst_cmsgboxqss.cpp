@@ -69,8 +69,8 @@ void tst_CMsgBoxQss::buttons_data()
                        QStringLiteral("messageBox_retryButton=重试")}
         << 2;
     QTest::newRow("all five, Chinese")
-        << int(QMessageBox::Yes | QMessageBox::No | QMessageBox::Ok | QMessageBox::Cancel
-               | QMessageBox::Retry)
+        << int(QMessageBox::Yes | QMessageBox::No | QMessageBox::Ok | QMessageBox::Cancel |
+               QMessageBox::Retry)
         << QStringLiteral("Chs")
         << QStringList{QStringLiteral("messageBox_cancelButton=取消"),
                        QStringLiteral("messageBox_noButton=否"),
@@ -92,9 +92,9 @@ void tst_CMsgBoxQss::buttons()
     QFETCH(QStringList, named);
     QFETCH(int, buttonCount);
     TestEnvironment env;
-    QVERIFY(env.writeFile(env.resourceDir() + QStringLiteral("/Lang/Chs/test.ini"),
-                          QStringLiteral("Yes=是\nNo=否\nOK=确定\nCancel=取消\nRetry=重试\n")
-                              .toUtf8()));
+    QVERIFY(env.writeFile(
+        env.resourceDir() + QStringLiteral("/Lang/Chs/test.ini"),
+        QStringLiteral("Yes=是\nNo=否\nOK=确定\nCancel=取消\nRetry=重试\n").toUtf8()));
     LanguageGuard guard(env.resourceDir(), language);
 
     CMsgBoxQss box(QMessageBox::Question, QStringLiteral("Tips"), QStringLiteral("Delete?"),
