@@ -1,26 +1,52 @@
 #include "chostcallback.h"
 
-CHostCallback::CHostCallback(std::function<void(const QString &)> show)
-    : m_show(std::move(show))
+#include "hostwording.h"
+
+CHostCallback::CHostCallback(QObject *parent)
+    : QObject(parent)
 {
 }
 
 void CHostCallback::LayersChanged()
 {
-    m_show(QStringLiteral("Layers changed"));
+    emit SigLayersChanged();
 }
 
 void CHostCallback::LayerEvent(int code)
 {
-    m_show(QStringLiteral("Layer event %1").arg(code));
+    emit SigLayerEvent(code);
 }
 
 void CHostCallback::CurrentLayerChanged()
 {
-    m_show(QStringLiteral("Current layer changed"));
+    emit SigCurrentLayerChanged();
 }
 
 void CHostCallback::RefreshView()
 {
-    m_show(QStringLiteral("View refreshed"));
+    emit SigRefreshView();
+}
+
+QString CHostCallback::LayersChangedText()
+{
+    return Wording("Layer parameters changed");
+}
+
+QString CHostCallback::LayerEventText(int code)
+{
+    switch (code) {
+    case 0:
+        return Wording("Laser source of the layers changed");
+    case 2:
+        return Wording("Work type of a layer changed");
+    case 3:
+        return Wording("Layers moved");
+    default:
+        return Wording("Layer event %1").arg(code);
+    }
+}
+
+QString CHostCallback::CurrentLayerChangedText()
+{
+    return Wording("Current layer changed");
 }

@@ -2,22 +2,30 @@
 
 #include "ilayerhost.h"
 
-#include <QString>
+#include <QObject>
 
-#include <functional>
-
-// The demo host's answer to the plug-in's notifications: each one becomes a
-// message (the status bar of the windowed host, stdout of the console one).
-class CHostCallback : public ILayerHost
+// The demo host's side of the plug-in's notifications, as signals: the
+// window shows them in its status bar and repaints what they touch.
+class CHostCallback : public QObject, public ILayerHost
 {
+    Q_OBJECT
+
 public:
-    explicit CHostCallback(std::function<void(const QString &)> show);
+    explicit CHostCallback(QObject *parent = nullptr);
 
     void LayersChanged() override;
     void LayerEvent(int code) override;
     void CurrentLayerChanged() override;
     void RefreshView() override;
 
-private:
-    std::function<void(const QString &)> m_show;
+    // The status bar text of a notification, in the user's language.
+    static QString LayersChangedText();
+    static QString LayerEventText(int code);
+    static QString CurrentLayerChangedText();
+
+signals:
+    void SigLayersChanged();
+    void SigLayerEvent(int code);
+    void SigCurrentLayerChanged();
+    void SigRefreshView();
 };

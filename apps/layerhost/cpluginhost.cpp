@@ -33,7 +33,11 @@ bool CPluginHost::Load(const QString &path, ILayerHost *host)
         return false;
     }
     m_manager = m_module->CreateLayerMgr(host);
-    return m_manager != nullptr;
+    if (!m_manager) {
+        m_error = QStringLiteral("CreateLayerMgr returned null");
+        return false;
+    }
+    return true;
 }
 
 void CPluginHost::Unload()

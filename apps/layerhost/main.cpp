@@ -1,10 +1,12 @@
-// The demo host: loads the LayerMgr plug-in as a design application does,
-// gives it a drawing and shows what it made of it.
-#include "chostcallback.h"
-#include "cpluginhost.h"
-#include "sampledrawing.h"
+// The demo host: loads the LayerMgr plug-in as a design application does and
+// gives it a drawing to keep layers for. With --print it lists the layers on
+// stdout, with --screenshot it writes a picture of its window; otherwise it
+// opens the window.
+#include "cdrawing.h"
+#include "cmainwindow.h"
+#include "layertableprinter.h"
 
-#include "cshapelist.h"
+#include "ctranslator.h"
 #include "cuipermissionsmanager.h"
 #include "ilog.h"
 
@@ -13,9 +15,10 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QMessageBox>
 #include <QStandardPaths>
+#include <QStyleFactory>
 #include <QTextStream>
-#include <QWidget>
 
 #include <cstdio>
 
@@ -32,45 +35,7 @@ QString hostDataDir()
                                        : QStringLiteral("/../Tessavolia/Resources")));
 }
 
-const char *modeName(qint32 workType)
-{
-    static const char *const names[] = {"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave",
-                                        "Mark"};
-    return workType >= 0 && workType < 5 ? names[workType] : "Unknow";
-}
-
-void printLayers(QTextStream &out, ILayerMgr *manager)
-{
-    out << QStringLiteral("%1  %2  %3 %4 %5 %6 %7 %8\n")
-               .arg(QStringLiteral("No."), -4)
-               .arg(QStringLiteral("Colour"), -7)
-               .arg(QStringLiteral("Mode"), -16)
-               .arg(QStringLiteral("Speed"), 7)
-               .arg(QStringLiteral("Power"), 6)
-               .arg(QStringLiteral("Laser"), -7)
-               .arg(QStringLiteral("Air"), -4)
-               .arg(QStringLiteral("Output"));
-    const quint64 count = manager->GetLayerCount();
-    for (quint32 i = 0; i < count; ++i) {
-        const CLayerParam *layer = manager->GetLayerAt(i);
-        const bool line = layer->IsLineProcess();
-        const LaserParam &l1 = line ? layer->CUT.LASER1 : layer->SWEEP.LASER1;
-        const LaserParam &l2 = line ? layer->CUT.LASER2 : layer->SWEEP.LASER2;
-        const bool mark = layer->WORK_TYPE == WORK_MARK;
-        const quint32 number = manager->GetLayerNumber(layer->COLOR);
-        out << QStringLiteral("%1  #%2  %3 %4 %5 %6 %7 %8\n")
-                   .arg(number ? QString::number(number) : QStringLiteral("-"), -4)
-                   .arg(layer->COLOR, 6, 16, QLatin1Char('0'))
-                   .arg(QLatin1String(modeName(layer->WORK_TYPE)), -16)
-                   .arg(mark ? QStringLiteral("/")
-                             : QString::number(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, 'f', 1),
-                        7)
-                   .arg(mark ? QStringLiteral("/") : QString::number((l1.ENABLE ? l1 : l2).POWER_MAX, 'g', 6), 6)
-                   .arg(l1.ENABLE || mark ? QStringLiteral("Laser1") : QStringLiteral("Laser2"), -7)
-                   .arg(layer->BLOW ? QStringLiteral("High") : QStringLiteral("Low"), -4)
-                   .arg(layer->OUTPUT ? QStringLiteral("on") : QStringLiteral("off"));
-    }
-}
+enum EEXIT_CODE { EXIT_OK = 0, EXIT_PLUGIN = 1, EXIT_INPUT = 2, EXIT_OUTPUT = 3 };
 
 } // namespace
 
@@ -82,56 +47,100 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QCoreApplication::setOrganizationName(QStringLiteral("LayerMgr"));
     QCoreApplication::setApplicationName(QStringLiteral("layerhost"));
+    // The same look on every platform, screenshots included.
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Demo host of the LayerMgr plug-in."));
     parser.addHelpOption();
-    QCommandLineOption unitOption(QStringLiteral("unit"),
-                                  QStringLiteral("Display unit mode: 0 inch/s, 1 mm/s, 2 inch/min, 3 mm/min."),
-                                  QStringLiteral("mode"), QStringLiteral("1"));
-    parser.addOption(unitOption);
+    const QCommandLineOption printOption(QStringLiteral("print"),
+                                         QStringLiteral("Print the layer table of the drawing and exit."));
+    const QCommandLineOption screenshotOption(
+        QStringLiteral("screenshot"), QStringLiteral("Write a PNG picture of the window and exit."),
+        QStringLiteral("file"));
+    const QCommandLineOption unitOption(
+        QStringLiteral("unit"),
+        QStringLiteral("Display unit mode: 0 inch/s, 1 mm/s, 2 inch/min, 3 mm/min."),
+        QStringLiteral("mode"), QStringLiteral("1"));
+    const QCommandLineOption languageOption(QStringLiteral("language"),
+                                            QStringLiteral("User interface language: En or Chs."),
+                                            QStringLiteral("language"));
+    const QCommandLineOption twoLasersOption(QStringLiteral("two-lasers"),
+                                             QStringLiteral("The machine has two laser sources."));
+    parser.addOptions({printOption, screenshotOption, unitOption, languageOption, twoLasersOption});
+    parser.addPositionalArgument(QStringLiteral("drawing"),
+                                 QStringLiteral("An SVG file or a project to open instead of the sample drawing."),
+                                 QStringLiteral("[drawing]"));
     parser.process(app);
 
     QTextStream out(stdout);
+    QTextStream err(stderr);
+    const bool print = parser.isSet(printOption);
+    const QString screenshot = parser.value(screenshotOption);
+    const bool windowed = !print && screenshot.isEmpty();
+    auto fail = [&](int code, const QString &title, const QString &message) {
+        err << "layerhost: " << message << Qt::endl;
+        if (windowed)
+            QMessageBox::critical(nullptr, title, message);
+        return code;
+    };
+
+    bool unitOk = false;
+    const int unit = parser.value(unitOption).toInt(&unitOk);
+    if (!unitOk || unit < 0 || unit > 3)
+        return fail(EXIT_INPUT, QStringLiteral("layerhost"),
+                    QStringLiteral("--unit takes 0, 1, 2 or 3, not %1").arg(parser.value(unitOption)));
+    const QStringList drawings = parser.positionalArguments();
+    if (drawings.size() > 1)
+        return fail(EXIT_INPUT, QStringLiteral("layerhost"), QStringLiteral("Give one drawing at most."));
+
     const QString dataDir = hostDataDir() + QStringLiteral("/Data");
-    if (!QDir().mkpath(dataDir)) {
-        out << "Cannot create the data folder " << dataDir << '\n';
-        return 1;
-    }
+    if (!QDir().mkpath(dataDir))
+        return fail(EXIT_OUTPUT, QStringLiteral("layerhost"),
+                    QStringLiteral("Cannot create the data folder %1").arg(dataDir));
     ILog_SetLogFile(hostDataDir() + QStringLiteral("/layerhost.log"));
+    if (parser.isSet(languageOption))
+        CTranslator::GetInstance()->SetLanguage(parser.value(languageOption));
 
-    CHostCallback callback([&out](const QString &message) { out << "host: " << message << '\n'; });
-    CPluginHost plugin;
-    if (!plugin.Load(QStringLiteral("libLayerMgr.so"), &callback)) {
-        out << "Cannot load the LayerMgr plug-in: " << plugin.ErrorString() << '\n';
-        return 1;
+    CMainWindow window;
+    QString error;
+    if (!window.LoadPlugin(QStringLiteral("libLayerMgr.so"), &error))
+        return fail(EXIT_PLUGIN, QStringLiteral("layerhost"),
+                    QStringLiteral("Cannot load the LayerMgr plug-in: %1").arg(error));
+    window.SetUnitMode(unit);
+    window.SetTwoLasers(parser.isSet(twoLasersOption));
+    window.ShowSampleDrawing();
+    if (!drawings.isEmpty() && !window.OpenDrawing(drawings.first(), &error)) {
+        const int code = fail(EXIT_INPUT, QStringLiteral("layerhost"), error);
+        if (!windowed)
+            return code;
     }
-    CLayerMgrModuleApi *module = plugin.Module();
-    ILayerMgr *manager = plugin.Manager();
 
-    QWidget holder;
-    DlgLayerMgr *panel = module->CreatePanel(&holder, nullptr);
-    manager->AttachPanel(panel);
-    module->SetUnitMode(parser.value(unitOption).toInt());
-    module->SetPanelFlag(false);
+    if (print) {
+        ILayerMgr *manager = window.Manager();
+        out << "Drawing of " << window.Drawing()->Count() << " shapes gives "
+            << manager->GetLayerCount() << " layers:\n";
+        PrintLayerTable(out, manager);
+        // What a host does when it saves its document: the layers go with it.
+        QBuffer document;
+        document.open(QIODevice::WriteOnly);
+        manager->SaveLayers(&document);
+        out << "Layer stream for the document: " << document.size() << " bytes\n";
+        const QString lpl = dataDir + QStringLiteral("/old.lpl");
+        out << "Remembered parameters: " << lpl
+            << (QFileInfo::exists(lpl) ? QStringLiteral(" (present)\n")
+                                       : QStringLiteral(" (written when layer parameters are committed)\n"));
+        return EXIT_OK;
+    }
 
-    CShapeList *shapes = CShapeList::New();
-    BuildSampleDrawing(shapes);
-    manager->UpdateLayers(shapes);
-    out << "Drawing of " << shapes->GetCount() << " shapes gives " << manager->GetLayerCount()
-        << " layers:\n";
-    printLayers(out, manager);
-
-    // What a host does when it saves its document: the layers go with it.
-    QBuffer document;
-    document.open(QIODevice::WriteOnly);
-    manager->SaveLayers(&document);
-    out << "Layer stream for the document: " << document.size() << " bytes\n";
-
-    const QString lpl = dataDir + QStringLiteral("/old.lpl");
-    out << "Remembered parameters: " << lpl
-        << (QFileInfo::exists(lpl) ? QStringLiteral(" (present)\n")
-                                   : QStringLiteral(" (written when layer parameters are committed)\n"));
-    shapes->Release();
-    return 0;
+    window.show();
+    if (!screenshot.isEmpty()) {
+        // Let layouts settle and the panel fill its rows before the picture.
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+        if (!window.SaveScreenshot(screenshot, &error))
+            return fail(EXIT_OUTPUT, QStringLiteral("layerhost"), error);
+        return EXIT_OK;
+    }
+    return app.exec();
 }

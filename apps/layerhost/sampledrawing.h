@@ -1,7 +1,10 @@
 #pragma once
 
-class CShapeList;
+#include "cdrawitem.h"
 
-// Fills the list with the demo drawing: standard colours, one colour used
-// twice, an image, a group, a special-layer colour and a colour of no palette.
-void BuildSampleDrawing(CShapeList *shapes);
+#include <vector>
+
+// The demo drawing, in millimetres on the canvas page: standard layer
+// colours (one used twice), an image, a group, a special-layer colour, a
+// colour of no palette and black text.
+std::vector<CDrawItem> BuildSampleDrawing();
