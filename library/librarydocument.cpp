@@ -608,7 +608,9 @@ bool WriteMaterialLibraryFile(const QString &path, const CMaterialLibrary &libra
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    if (!WriteMaterialLibrary(&file, library)) {
+    // The flush is checked here: commit() takes a short write past a file
+    // size limit for success and would replace the old file with a stub.
+    if (!WriteMaterialLibrary(&file, library) || !file.flush()) {
         file.cancelWriting();
         return false;
     }
