@@ -109,11 +109,15 @@ int main(int argc, char *argv[])
                     QStringLiteral("Cannot load the LayerMgr plug-in: %1").arg(error));
     window.SetUnitMode(unit);
     window.SetTwoLasers(parser.isSet(twoLasersOption));
-    window.ShowSampleDrawing();
-    if (!drawings.isEmpty() && !window.OpenDrawing(drawings.first(), &error)) {
+    // The sample drawing only when there is no other: its layers would stay
+    // behind in the manager's memory and colour the first look at the file's.
+    if (drawings.isEmpty()) {
+        window.ShowSampleDrawing();
+    } else if (!window.OpenDrawing(drawings.first(), &error)) {
         const int code = fail(EXIT_INPUT, QStringLiteral("layerhost"), error);
         if (!windowed)
             return code;
+        window.ShowSampleDrawing();
     }
 
     if (print) {

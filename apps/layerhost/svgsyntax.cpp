@@ -171,7 +171,7 @@ bool parseFunctionalColor(QStringView args, quint32 *rgb, bool *transparent)
         if (percent)
             s.advance();
         if (i < 3)
-            channels[i] = int(std::lround(qBound(0.0, percent ? value * 2.55 : value, 255.0)));
+            channels[i] = int(std::lround(qBound(0.0, percent ? value * 255.0 / 100.0 : value, 255.0)));
         else
             alpha = qBound(0.0, percent ? value / 100.0 : value, 1.0);
     }
