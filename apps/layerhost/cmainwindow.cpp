@@ -62,9 +62,9 @@ CMainWindow::CMainWindow(QWidget *parent)
 
     connect(m_drawing, &CDrawing::SigChanged, this, [this] {
         setWindowModified(true);
-        layersFollowDrawing();
+        syncLayers();
     });
-    connect(m_drawing, &CDrawing::SigSelectionChanged, this, &CMainWindow::layersFollowSelection);
+    connect(m_drawing, &CDrawing::SigSelectionChanged, this, &CMainWindow::syncLayers);
     connect(m_palette, &CColorPalette::SigColorChosen, this, &CMainWindow::onColorChosen);
     connect(m_canvas, &CCanvas::SigCursorMoved, this, [this](const QPointF &mm) {
         m_cursorLabel->setText(Wording("X %1  Y %2 mm")
@@ -377,25 +377,19 @@ bool CMainWindow::LoadPlugin(const QString &library, QString *error)
     m_canvas->SetColor(m_palette->CurrentColor());
 
     retranslate();
-    layersFollowDrawing();
-    layersFollowSelection();
+    syncLayers();
     return true;
 }
 
-void CMainWindow::layersFollowDrawing()
+void CMainWindow::syncLayers()
 {
+    // UpdateLayers also after a selection change: it refreshes the layers'
+    // selected flags and clears what the panel was last told to select.
     if (ILayerMgr *manager = Manager()) {
         manager->UpdateLayers(m_drawing->ShapeList());
         manager->SelectLayersOfShapes(m_drawing->ShapeList());
     }
     m_canvas->update();
-    updateCounts();
-}
-
-void CMainWindow::layersFollowSelection()
-{
-    if (ILayerMgr *manager = Manager())
-        manager->SelectLayersOfShapes(m_drawing->ShapeList());
     updateCounts();
 }
 

@@ -76,8 +76,7 @@ private:
     void createStatusBar();
     void retranslate();
 
-    void layersFollowDrawing();
-    void layersFollowSelection();
+    void syncLayers();
     void showStatus(const QString &text);
     void updateCounts();
     void updateTitle();

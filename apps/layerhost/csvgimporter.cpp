@@ -4,6 +4,7 @@
 #include "svgsyntax.h"
 
 #include <QIODevice>
+#include <QRegularExpression>
 #include <QTransform>
 #include <QXmlStreamReader>
 
@@ -357,7 +358,9 @@ bool CSvgImporter::parse(const QByteArray &data)
         }
     }
     if (xml.hasError()) {
-        if (!sawRoot && xml.error() == QXmlStreamReader::PrematureEndOfDocumentError)
+        // Ended before any element began: declarations and comments only.
+        if (!sawRoot && xml.error() == QXmlStreamReader::PrematureEndOfDocumentError
+            && !QRegularExpression(QStringLiteral("<[A-Za-z_:]")).match(QString::fromLatin1(data)).hasMatch())
             return fail(Wording("The file is not an SVG drawing: it has no document element."));
         return fail(Wording("The SVG file is not well-formed: %1 (line %2, column %3).")
                         .arg(xml.errorString())

@@ -4,6 +4,7 @@
 // opens the window.
 #include "cdrawing.h"
 #include "cmainwindow.h"
+#include "hostwording.h"
 #include "layertableprinter.h"
 
 #include "ctranslator.h"
@@ -94,19 +95,19 @@ int main(int argc, char *argv[])
     if (drawings.size() > 1)
         return fail(EXIT_INPUT, QStringLiteral("layerhost"), QStringLiteral("Give one drawing at most."));
 
+    if (parser.isSet(languageOption))
+        CTranslator::GetInstance()->SetLanguage(parser.value(languageOption));
     const QString dataDir = hostDataDir() + QStringLiteral("/Data");
     if (!QDir().mkpath(dataDir))
         return fail(EXIT_OUTPUT, QStringLiteral("layerhost"),
-                    QStringLiteral("Cannot create the data folder %1").arg(dataDir));
+                    Wording("Cannot create the data folder %1").arg(dataDir));
     ILog_SetLogFile(hostDataDir() + QStringLiteral("/layerhost.log"));
-    if (parser.isSet(languageOption))
-        CTranslator::GetInstance()->SetLanguage(parser.value(languageOption));
 
     CMainWindow window;
     QString error;
     if (!window.LoadPlugin(QStringLiteral("libLayerMgr.so"), &error))
         return fail(EXIT_PLUGIN, QStringLiteral("layerhost"),
-                    QStringLiteral("Cannot load the LayerMgr plug-in: %1").arg(error));
+                    Wording("Cannot load the LayerMgr plug-in: %1").arg(error));
     window.SetUnitMode(unit);
     window.SetTwoLasers(parser.isSet(twoLasersOption));
     // The sample drawing only when there is no other: its layers would stay

@@ -272,6 +272,10 @@ void tst_SvgImporter::refused_data()
         << "The file is not an SVG drawing: its document element is <html>.";
     QTest::newRow("declaration only") << QByteArray("<?xml version=\"1.0\"?>")
                                       << "The file is not an SVG drawing: it has no document element.";
+    QTest::newRow("comment only") << QByteArray("<!-- nothing here -->")
+                                  << "The file is not an SVG drawing: it has no document element.";
+    QTest::newRow("cut inside the first tag") << QByteArray("<?xml version=\"1.0\"?>\n<svg width=")
+                                              << "is not well-formed";
     const QByteArray whole = svg(R"svg(<rect width="10" height="10" fill="red"/><circle r="5" fill="blue"/>)svg");
     QTest::newRow("truncated") << whole.left(whole.size() / 2) << "is not well-formed";
     QTest::newRow("truncated before the end tag") << whole.left(whole.indexOf("</svg>"))
