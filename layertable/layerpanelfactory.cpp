@@ -1,21 +1,18 @@
-// The layer table panel is not in this build yet: the module makes no panel,
-// and every operation that would reach one does nothing.
-#include "module/ilayerpanel.h"
+// The module reaches the panel only through these, so that module/ needs no
+// widget headers.
+#include "dlglayermgr.h"
 
 DlgLayerMgr *NewLayerPanel(QWidget *parent)
 {
-    Q_UNUSED(parent);
-    return nullptr;
+    return new DlgLayerMgr(parent);
 }
 
 ILayerPanel *LayerPanelInterface(DlgLayerMgr *panel)
 {
-    Q_UNUSED(panel);
-    return nullptr;
+    return panel;
 }
 
 QWidget *LayerPanelWidget(DlgLayerMgr *panel)
 {
-    Q_UNUSED(panel);
-    return nullptr;
+    return panel;
 }

@@ -1,0 +1,66 @@
+#include "combocell.h"
+
+#include "cellhelpers.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QPointer>
+#include <QStyle>
+#include <QStyleFactory>
+#include <QWheelEvent>
+
+namespace {
+// One style object for every combo of every table: a layer list of thousands
+// must not carry thousands of styles.
+QStyle *fusionStyle()
+{
+    static QPointer<QStyle> style;
+    if (!style) {
+        style = QStyleFactory::create(QStringLiteral("Fusion"));
+        if (style)
+            style->setParent(qApp);
+    }
+    return style;
+}
+} // namespace
+
+namespace ComboCell {
+
+QComboBox *Create(QWidget *cell, const char *objectName)
+{
+    auto *combo = new QComboBox(cell);
+    combo->setObjectName(QString::fromLatin1(objectName));
+    // The combo's own view is already a list view; replacing it would cost a
+    // widget destruction per cell.
+    if (QStyle *style = fusionStyle())
+        combo->setStyle(style);
+    auto *layout = new QHBoxLayout(cell);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addStretch();
+    layout->addWidget(combo);
+    layout->addStretch();
+    cell->setFocusProxy(combo);
+    combo->installEventFilter(cell);
+    return combo;
+}
+
+bool Filter(QWidget *cell, QObject *watched, QEvent *event)
+{
+    auto *combo = qobject_cast<QComboBox *>(watched);
+    if (!combo)
+        return false;
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        SelectRowOfCell(cell);
+        return false;
+    case QEvent::Wheel:
+        ScrollTableOfCell(combo, static_cast<QWheelEvent *>(event));
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace ComboCell

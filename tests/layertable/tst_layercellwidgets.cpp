@@ -1,0 +1,362 @@
+#include "layertable/clayerair.h"
+#include "layertable/clayerlineeditwidget.h"
+#include "layertable/clayermodewidget.h"
+#include "layertable/clayernumberwidget.h"
+#include "panelfixtures.h"
+#include "testenvironment.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTableWidget>
+#include <QTest>
+#include <QWheelEvent>
+
+using namespace paneltest;
+
+namespace {
+
+QStringList itemsOf(const QComboBox *combo)
+{
+    QStringList items;
+    for (int i = 0; i < combo->count(); ++i)
+        items << combo->itemText(i);
+    return items;
+}
+
+// A shown table of 40 rows with a cell widget in row 20 (or the given row).
+struct TableWithCell
+{
+    explicit TableWithCell(QWidget *cell, int row = 20)
+    {
+        table.setRowCount(40);
+        table.setColumnCount(2);
+        table.resize(300, 200);
+        table.setCellWidget(row, 1, cell);
+        table.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&table));
+        table.scrollTo(table.model()->index(row, 1), QAbstractItemView::PositionAtCenter);
+    }
+    QTableWidget table;
+};
+
+void turnWheel(QWidget *target, int delta)
+{
+    const QPointF pos(target->width() / 2.0, target->height() / 2.0);
+    QWheelEvent wheel(pos, target->mapToGlobal(pos), QPoint(), QPoint(0, delta), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(target, &wheel);
+}
+
+} // namespace
+
+class tst_LayerCellWidgets : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void numberButton_data();
+    void numberButton();
+    void numberButtonDoubleClick();
+    void modeLists_data();
+    void modeLists();
+    void modeLanguageChangeKeepsChoice();
+    void airLanguageChangeKeepsChoice();
+    void wheelScrollsTableNotValue_data();
+    void wheelScrollsTableNotValue();
+    void pressOnComboSelectsRow();
+    void lineEditShownText_data();
+    void lineEditShownText();
+    void lineEditPresses_data();
+    void lineEditPresses();
+    void lineEditRefusesOutOfRange_data();
+    void lineEditRefusesOutOfRange();
+};
+
+void tst_LayerCellWidgets::numberButton_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QString>("letter");
+    QTest::addColumn<QString>("ink");
+
+    const QString black = QStringLiteral("0,0,0");
+    const QString white = QStringLiteral("255,255,255");
+    QTest::newRow("black layer") << 1 << "A" << white;
+    QTest::newRow("4 white") << 4 << "D" << white;
+    QTest::newRow("5 first black") << 5 << "E" << black;
+    QTest::newRow("11 last of first black run") << 11 << "K" << black;
+    QTest::newRow("12 deliberately white") << 12 << "L" << white;
+    QTest::newRow("13 black again") << 13 << "M" << black;
+    QTest::newRow("16 last black") << 16 << "P" << black;
+    QTest::newRow("17 white") << 17 << "Q" << white;
+    QTest::newRow("26 last capital") << 26 << "Z" << white;
+    QTest::newRow("27 first small letter") << 27 << "a" << white;
+    QTest::newRow("52 last small letter") << 52 << "z" << white;
+    QTest::newRow("53 Roman one") << 53 << "I" << white;
+    QTest::newRow("56 Roman four") << 56 << "IV" << white;
+    QTest::newRow("61 Roman nine") << 61 << "IX" << white;
+    QTest::newRow("Roman 1994") << 52 + 1994 << "MCMXCIV" << white;
+    QTest::newRow("garbage zero") << 0 << "" << white;
+    QTest::newRow("garbage negative") << -1 << "" << white;
+    QTest::newRow("garbage huge shows digits") << 2000000052 << "2000000000" << white;
+}
+
+void tst_LayerCellWidgets::numberButton()
+{
+    QFETCH(int, number);
+    QFETCH(QString, letter);
+    QFETCH(QString, ink);
+    TestEnvironment env;
+    CLayerNumberWidget widget;
+    widget.SetColor(11, 0, 255, QStringLiteral("07"), number);
+
+    auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
+    auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
+    QVERIFY(button && label);
+    QCOMPARE(button->text(), letter);
+    QCOMPARE(widget.ButtonText(), letter);
+    QCOMPARE(button->styleSheet(),
+             QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}").arg(ink));
+    QCOMPARE(button->toolTip(), QStringLiteral("07"));
+    QCOMPARE(label->text(), QStringLiteral("07"));
+    QCOMPARE(label->toolTip(), QStringLiteral("07"));
+    QVERIFY(button->testAttribute(Qt::WA_StyledBackground));
+}
+
+void tst_LayerCellWidgets::numberButtonDoubleClick()
+{
+    TestEnvironment env;
+    CLayerNumberWidget widget;
+    widget.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&widget));
+    auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
+    QSignalSpy doubleClicked(&widget, &CLayerNumberWidget::ButtonDoubleClicked);
+    QTest::mouseClick(button, Qt::LeftButton);
+    QCOMPARE(doubleClicked.count(), 0);
+    QTest::mouseDClick(button, Qt::LeftButton);
+    QCOMPARE(doubleClicked.count(), 1);
+}
+
+void tst_LayerCellWidgets::modeLists_data()
+{
+    QTest::addColumn<bool>("fillOnly");
+    QTest::addColumn<QStringList>("items");
+    QTest::addColumn<QList<int>>("workTypes");
+
+    QTest::newRow("every mode") << false
+                                << QStringList{"Cutting", "Scoring", "Shallow Engrave",
+                                               "Deep Engrave", "Mark"}
+                                << QList<int>{0, 1, 2, 3, 4};
+    QTest::newRow("fill only") << true << QStringList{"Shallow Engrave", "Deep Engrave"}
+                               << QList<int>{2, 3};
+}
+
+void tst_LayerCellWidgets::modeLists()
+{
+    QFETCH(bool, fillOnly);
+    QFETCH(QStringList, items);
+    QFETCH(QList<int>, workTypes);
+    TestEnvironment env;
+    CLayerModeWidget widget;
+    auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
+    QVERIFY(combo);
+    QCOMPARE(itemsOf(combo).size(), 5);
+
+    widget.BuildList(fillOnly);
+    QCOMPARE(itemsOf(combo), items);
+    QCOMPARE(widget.FillOnly(), fillOnly);
+    for (int i = 0; i < workTypes.size(); ++i)
+        QCOMPARE(widget.WorkTypeAt(i), workTypes.at(i));
+
+    QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
+    widget.SetCurrentText(items.last());
+    QCOMPARE(widget.CurrentIndex(), items.size() - 1);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(changed.takeFirst().at(0).toInt(), items.size() - 1);
+}
+
+void tst_LayerCellWidgets::modeLanguageChangeKeepsChoice()
+{
+    TestEnvironment env;
+    CLayerModeWidget widget;
+    widget.BuildList(true);
+    widget.SetCurrentText(QStringLiteral("Deep Engrave"));
+    QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
+    {
+        LanguageGuard chinese(QStringLiteral("Chs"));
+        auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
+        QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("浅雕"), QStringLiteral("深雕")}));
+        QCOMPARE(widget.CurrentText(), QStringLiteral("深雕"));
+        QCOMPARE(widget.CurrentIndex(), 1);
+    }
+    QCOMPARE(widget.CurrentText(), QStringLiteral("Deep Engrave"));
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_LayerCellWidgets::airLanguageChangeKeepsChoice()
+{
+    TestEnvironment env;
+    CLayerAir widget;
+    auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_air"));
+    QVERIFY(combo);
+    QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("High"), QStringLiteral("Low")}));
+    widget.SetCurrentText(QStringLiteral("Low"));
+    QCOMPARE(widget.CurrentIndex(), 1);
+    QSignalSpy changed(&widget, &CLayerAir::currentIndexChanged);
+    {
+        LanguageGuard chinese(QStringLiteral("Chs"));
+        QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("强"), QStringLiteral("弱")}));
+        QCOMPARE(widget.CurrentText(), QStringLiteral("弱"));
+    }
+    QCOMPARE(changed.count(), 0);
+}
+
+void tst_LayerCellWidgets::wheelScrollsTableNotValue_data()
+{
+    QTest::addColumn<bool>("air");
+    QTest::newRow("mode") << false;
+    QTest::newRow("air") << true;
+}
+
+void tst_LayerCellWidgets::wheelScrollsTableNotValue()
+{
+    QFETCH(bool, air);
+    TestEnvironment env;
+    QWidget *cell = air ? static_cast<QWidget *>(new CLayerAir) : new CLayerModeWidget;
+    TableWithCell fixture(cell);
+    auto *combo = cell->findChild<QComboBox *>();
+    QVERIFY(combo);
+    combo->setCurrentIndex(1);
+    QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
+    QScrollBar *bar = fixture.table.verticalScrollBar();
+    const int before = bar->value();
+    QVERIFY(before > 0);
+
+    turnWheel(combo, -120);
+    QCOMPARE(combo->currentIndex(), 1);
+    QCOMPARE(changed.count(), 0);
+    QVERIFY2(bar->value() > before, "scrolling down over the cell moves the table");
+
+    const int lower = bar->value();
+    turnWheel(combo, 120);
+    QCOMPARE(combo->currentIndex(), 1);
+    QVERIFY(bar->value() < lower);
+}
+
+void tst_LayerCellWidgets::pressOnComboSelectsRow()
+{
+    TestEnvironment env;
+    auto *cell = new CLayerModeWidget;
+    TableWithCell fixture(cell, 3);
+    fixture.table.selectRow(0);
+    auto *combo = cell->findChild<QComboBox *>();
+    QTest::mousePress(combo, Qt::LeftButton);
+    combo->hidePopup();
+    QTest::mouseRelease(combo, Qt::LeftButton);
+    QCOMPARE(fixture.table.currentRow(), 3);
+    QVERIFY(fixture.table.selectionModel()->isRowSelected(3, QModelIndex()));
+}
+
+void tst_LayerCellWidgets::lineEditShownText_data()
+{
+    QTest::addColumn<int>("decimals");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<double>("value");
+
+    QTest::newRow("one decimal") << 1 << "12.345" << "12.3" << 12.3;
+    QTest::newRow("no decimals") << 0 << "12.345" << "12" << 12.0;
+    QTest::newRow("half rounds up") << 0 << "12.5" << "13" << 13.0;
+    QTest::newRow("integer padded") << 1 << "20" << "20.0" << 20.0;
+    QTest::newRow("slash as is") << 0 << "/" << "/" << 0.0;
+    QTest::newRow("no validator leaves text") << -1 << "12.345" << "12.345" << 12.345;
+    QTest::newRow("garbage text as is") << 1 << "abc" << "abc" << 0.0;
+    QTest::newRow("garbage huge number") << 0 << "1e300" << QString::number(1e300, 'f', 0) << 1e300;
+}
+
+void tst_LayerCellWidgets::lineEditShownText()
+{
+    QFETCH(int, decimals);
+    QFETCH(QString, text);
+    QFETCH(QString, shown);
+    QFETCH(double, value);
+    TestEnvironment env;
+    CLayerLineEditWidget widget;
+    if (decimals >= 0)
+        widget.SetRange(0.0, 3000.0, decimals, QLocale::C);
+    widget.SetText(text);
+    auto *edit = widget.findChild<QLineEdit *>();
+    QCOMPARE(edit->text(), shown);
+    QCOMPARE(widget.Text(), shown);
+    QCOMPARE(widget.Value(), value);
+    QCOMPARE(edit->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
+    QCOMPARE(edit->contextMenuPolicy(), Qt::NoContextMenu);
+}
+
+void tst_LayerCellWidgets::lineEditPresses_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::addColumn<int>("rightClicks");
+    QTest::newRow("right") << int(Qt::RightButton) << 1;
+    QTest::newRow("left") << int(Qt::LeftButton) << 0;
+}
+
+void tst_LayerCellWidgets::lineEditPresses()
+{
+    QFETCH(int, button);
+    QFETCH(int, rightClicks);
+    TestEnvironment env;
+    auto *cell = new CLayerLineEditWidget;
+    TableWithCell fixture(cell, 5);
+    fixture.table.selectRow(0);
+    QSignalSpy right(cell, &CLayerLineEditWidget::rightButtonClicked);
+    QTest::mousePress(cell->findChild<QLineEdit *>(), Qt::MouseButton(button));
+    QCOMPARE(right.count(), rightClicks);
+    QCOMPARE(fixture.table.currentRow(), 5);
+}
+
+void tst_LayerCellWidgets::lineEditRefusesOutOfRange_data()
+{
+    QTest::addColumn<int>("decimals");
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<int>("finished");
+
+    QTest::newRow("speed inside") << 0 << "250" << "250" << 1;
+    QTest::newRow("speed above range") << 0 << "3001" << "3001" << 0;
+    QTest::newRow("speed decimals refused") << 0 << "12.5" << "12." << 1;
+    QTest::newRow("power inside") << 1 << "55.5" << "55.5" << 1;
+    QTest::newRow("power second decimal refused") << 1 << "55.55" << "55.5" << 1;
+    QTest::newRow("power zero below minimum") << 1 << "0" << "0" << 0;
+    QTest::newRow("garbage letters") << 1 << "x" << "" << 0;
+}
+
+void tst_LayerCellWidgets::lineEditRefusesOutOfRange()
+{
+    QFETCH(int, decimals);
+    QFETCH(QString, keys);
+    QFETCH(QString, shown);
+    QFETCH(int, finished);
+    TestEnvironment env;
+    CLayerLineEditWidget widget;
+    if (decimals == 0)
+        widget.SetRange(0.0, 3000.0, 0, QLocale::C);
+    else
+        widget.SetRange(0.1, 100.0, 1, QLocale::C);
+    widget.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&widget));
+    auto *edit = widget.findChild<QLineEdit *>();
+    edit->setFocus();
+    QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
+    QTest::keyClicks(edit, keys);
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(edit->text(), shown);
+    QCOMPARE(done.count(), finished);
+}
+
+QTEST_MAIN(tst_LayerCellWidgets)
+#include "tst_layercellwidgets.moc"

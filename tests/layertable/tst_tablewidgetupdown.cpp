@@ -1,0 +1,268 @@
+#include "layertable/ctablewidgetupdown.h"
+#include "testenvironment.h"
+
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <memory>
+
+namespace {
+
+constexpr int kRowHeight = 30;
+
+// A shown table whose first `shown` rows are visible and the rest hidden
+// spares, as the layer panel keeps it.
+std::unique_ptr<CTableWidgetUpDown> makeTable(int shown, int spare, int height = 300)
+{
+    auto table = std::make_unique<CTableWidgetUpDown>();
+    table->setColumnCount(1);
+    table->setRowCount(shown + spare);
+    table->verticalHeader()->setDefaultSectionSize(kRowHeight);
+    table->verticalHeader()->hide();
+    table->horizontalHeader()->hide();
+    for (int row = 0; row < shown + spare; ++row) {
+        table->setItem(row, 0, new QTableWidgetItem(QStringLiteral("row %1").arg(row)));
+        table->setRowHidden(row, row >= shown);
+    }
+    table->resize(200, height);
+    table->show();
+    if (!QTest::qWaitForWindowExposed(table.get()))
+        return nullptr;
+    return table;
+}
+
+QPoint centreOf(const QTableWidget &table, int row)
+{
+    return table.visualRect(table.model()->index(row, 0)).center();
+}
+
+void press(QTableWidget &table, const QPoint &pos)
+{
+    QTest::mousePress(table.viewport(), Qt::LeftButton, Qt::NoModifier, pos);
+    QTest::mouseRelease(table.viewport(), Qt::LeftButton, Qt::NoModifier, pos);
+}
+
+// The drag manager hands move and drop events only to the widget that
+// accepted the enter event, with the model's own row data.
+class DragSession
+{
+public:
+    explicit DragSession(QTableWidget &table)
+        : m_table(table)
+        , m_data(table.model()->mimeData({table.model()->index(0, 0)}))
+    {
+        QDragEnterEvent enter(QPoint(1, 1), kActions, m_data.get(), Qt::LeftButton,
+                              Qt::NoModifier);
+        QCoreApplication::sendEvent(table.viewport(), &enter);
+    }
+
+    void moveTo(const QPoint &pos)
+    {
+        QDragMoveEvent move(pos, kActions, m_data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_table.viewport(), &move);
+    }
+
+    void dropAt(const QPoint &pos)
+    {
+        QDropEvent drop(QPointF(pos), kActions, m_data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(m_table.viewport(), &drop);
+    }
+
+    void leave()
+    {
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(m_table.viewport(), &leave);
+    }
+
+private:
+    static constexpr Qt::DropActions kActions = Qt::CopyAction | Qt::MoveAction;
+    QTableWidget &m_table;
+    std::unique_ptr<QMimeData> m_data;
+};
+
+QStringList texts(const QTableWidget &table)
+{
+    QStringList out;
+    for (int row = 0; row < table.rowCount(); ++row)
+        out << table.item(row, 0)->text();
+    return out;
+}
+
+} // namespace
+
+class tst_TableWidgetUpDown : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initialState();
+    void dragAndDrop_data();
+    void dragAndDrop();
+    void dropFromEmptySpaceEmitsNothing();
+    void pressOnEmptySpaceKeepsSelection();
+    void pastEndWithoutVisibleRows();
+    void autoScroll_data();
+    void autoScroll();
+    void dragLeaveStops();
+};
+
+void tst_TableWidgetUpDown::initialState()
+{
+    TestEnvironment env;
+    CTableWidgetUpDown table;
+    QCOMPARE(table.property("state").toString(), QStringLiteral("Moved"));
+    QCOMPARE(table.dragDropMode(), QAbstractItemView::DragDrop);
+    QVERIFY(table.showDropIndicator());
+    QCOMPARE(table.selectionBehavior(), QAbstractItemView::SelectRows);
+    QVERIFY(!table.IsAutoScrolling());
+}
+
+void tst_TableWidgetUpDown::dragAndDrop_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("over");
+    QTest::addColumn<int>("dy");
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<int>("to");
+
+    QTest::newRow("below middle of last row") << 0 << 4 << 5 << "MoveToEnd" << 4;
+    QTest::newRow("just above middle of last row") << 0 << 4 << -5 << "Moving" << 3;
+    QTest::newRow("down onto a middle row") << 0 << 2 << 0 << "Moving" << 1;
+    QTest::newRow("up onto row 1") << 3 << 1 << 0 << "Moving" << 1;
+    QTest::newRow("up onto first row") << 4 << 0 << -10 << "Moving" << 0;
+    QTest::newRow("onto itself") << 2 << 2 << 0 << "Moving" << 2;
+}
+
+void tst_TableWidgetUpDown::dragAndDrop()
+{
+    QFETCH(int, from);
+    QFETCH(int, over);
+    QFETCH(int, dy);
+    QFETCH(QString, state);
+    QFETCH(int, to);
+    TestEnvironment env;
+    auto table = makeTable(5, 3);
+    QVERIFY(table);
+    const QStringList before = texts(*table);
+    QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
+
+    press(*table, centreOf(*table, from));
+    const QPoint target = centreOf(*table, over) + QPoint(0, dy);
+    DragSession drag(*table);
+    drag.moveTo(target);
+    QCOMPARE(table->property("state").toString(), state);
+    QCOMPARE(table->currentRow(), over);
+    QVERIFY(table->IsAutoScrolling());
+
+    drag.dropAt(target);
+    QCOMPARE(moved.count(), 1);
+    const QList<QVariant> args = moved.takeFirst();
+    QCOMPARE(args.at(0).toInt(), from);
+    QCOMPARE(args.at(1).toInt(), to);
+    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
+    QVERIFY(!table->IsAutoScrolling());
+    QVERIFY(table->selectionModel()->isRowSelected(to, QModelIndex()));
+    // The table reports the move; it never moves items itself.
+    QCOMPARE(texts(*table), before);
+}
+
+void tst_TableWidgetUpDown::dropFromEmptySpaceEmitsNothing()
+{
+    TestEnvironment env;
+    auto table = makeTable(5, 3);
+    QVERIFY(table);
+    QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
+    press(*table, QPoint(50, 5 * kRowHeight + 40));
+    DragSession drag(*table);
+    drag.moveTo(centreOf(*table, 2));
+    drag.dropAt(centreOf(*table, 2));
+    QCOMPARE(moved.count(), 0);
+    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
+}
+
+void tst_TableWidgetUpDown::pressOnEmptySpaceKeepsSelection()
+{
+    TestEnvironment env;
+    auto table = makeTable(5, 3);
+    QVERIFY(table);
+    press(*table, centreOf(*table, 2));
+    QCOMPARE(table->currentRow(), 2);
+    press(*table, QPoint(50, 5 * kRowHeight + 40));
+    QCOMPARE(table->currentRow(), 2);
+    QVERIFY(table->selectionModel()->isRowSelected(2, QModelIndex()));
+}
+
+void tst_TableWidgetUpDown::pastEndWithoutVisibleRows()
+{
+    TestEnvironment env;
+    auto table = makeTable(0, 4);
+    QVERIFY(table);
+    QVERIFY(!table->IsPastEnd(QPoint(10, 1000)));
+    auto one = makeTable(1, 0);
+    QVERIFY(one);
+    QVERIFY(one->IsPastEnd(centreOf(*one, 0) + QPoint(0, 1)));
+    QVERIFY(!one->IsPastEnd(centreOf(*one, 0)));
+}
+
+void tst_TableWidgetUpDown::autoScroll_data()
+{
+    QTest::addColumn<int>("y");
+    QTest::addColumn<int>("step");
+
+    QTest::newRow("near top") << 10 << -5;
+    QTest::newRow("near bottom") << 180 << 5;
+    QTest::newRow("middle") << 100 << 0;
+}
+
+void tst_TableWidgetUpDown::autoScroll()
+{
+    QFETCH(int, y);
+    QFETCH(int, step);
+    TestEnvironment env;
+    auto table = makeTable(60, 0, 200);
+    QVERIFY(table);
+    table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    QScrollBar *bar = table->verticalScrollBar();
+    bar->setValue(bar->maximum() / 2);
+    const int before = bar->value();
+
+    press(*table, QPoint(50, 100));
+    DragSession drag(*table);
+    drag.moveTo(QPoint(50, y));
+    auto *timer = table->findChild<QTimer *>();
+    QVERIFY(timer);
+    QVERIFY(timer->isActive());
+    QCOMPARE(timer->interval(), 100);
+
+    // One tick at a time, independent of the machine's speed.
+    timer->stop();
+    QMetaObject::invokeMethod(timer, "timeout");
+    QCOMPARE(bar->value(), before + step);
+    QMetaObject::invokeMethod(timer, "timeout");
+    QCOMPARE(bar->value(), before + 2 * step);
+    // The row under the pointer follows the scrolling.
+    QCOMPARE(table->currentRow(), table->rowAt(y));
+}
+
+void tst_TableWidgetUpDown::dragLeaveStops()
+{
+    TestEnvironment env;
+    auto table = makeTable(5, 0);
+    QVERIFY(table);
+    press(*table, centreOf(*table, 0));
+    DragSession drag(*table);
+    drag.moveTo(centreOf(*table, 2));
+    QVERIFY(table->IsAutoScrolling());
+    QCOMPARE(table->property("state").toString(), QStringLiteral("Moving"));
+    drag.leave();
+    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
+    QVERIFY(!table->IsAutoScrolling());
+}
+
+QTEST_MAIN(tst_TableWidgetUpDown)
+#include "tst_tablewidgetupdown.moc"
