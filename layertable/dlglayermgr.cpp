@@ -50,6 +50,7 @@ constexpr int kInitialRows = 10;
 // visible part of the table: thousands of sibling widgets make every layout
 // and scroll step of the view quadratic.
 constexpr int kEagerWidgetRows = 64;
+constexpr char kRowProperty[] = "layerRow";
 constexpr double kRowGrowth = 1.3;
 constexpr double kDesignRowHeight = 40.0;
 constexpr int kFirstUniqueNumber = 37;
@@ -313,6 +314,7 @@ void DlgLayerMgr::attachRowWidgets(int row)
     output->setCheckable(true);
     output->setChecked(true);
     output->setIcon(m_eyeOpen);
+    output->setProperty(kRowProperty, row);
     connect(output, &QPushButton::clicked, this, &DlgLayerMgr::OutputButtonClickedSlot);
     table->setCellWidget(row, COL_OUTPUT, output);
 }
@@ -724,7 +726,12 @@ void DlgLayerMgr::OutputButtonClickedSlot(bool checked)
     auto *button = qobject_cast<QWidget *>(sender());
     if (!button)
         return;
-    const QModelIndex index = ui->tableWidget->indexAt(button->pos());
+    // The button knows its row: right after a refill its geometry may still
+    // be the one of a row hidden before.
+    CTableWidgetUpDown *table = ui->tableWidget;
+    const QVariant row = button->property(kRowProperty);
+    const QModelIndex index = row.isValid() ? table->model()->index(row.toInt(), COL_OUTPUT)
+                                            : table->indexAt(button->pos());
     ILog_WriteLogF(1, "clicke index %d,%d", index.row(), index.column());
     if (!index.isValid())
         return;
