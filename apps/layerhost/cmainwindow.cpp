@@ -378,6 +378,7 @@ bool CMainWindow::LoadPlugin(const QString &library, QString *error)
 
     retranslate();
     syncLayers();
+    statusBar()->showMessage(Wording("Choose a colour below and draw on the page; selected shapes select their layers."));
     return true;
 }
 

@@ -16,6 +16,10 @@ bool CPluginHost::Load(const QString &path, ILayerHost *host)
     m_library.setFileName(QDir::isRelativePath(path)
                               ? QCoreApplication::applicationDirPath() + QLatin1Char('/') + path
                               : path);
+    // Released in reverse order, but never unmapped: Qt keeps pointers into
+    // the plug-in's code (meta-type records of the types it put in QVariants),
+    // which a later load of the same library would trip over.
+    m_library.setLoadHints(QLibrary::PreventUnloadHint);
     if (!m_library.load()) {
         m_error = m_library.errorString();
         return false;
