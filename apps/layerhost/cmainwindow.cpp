@@ -92,7 +92,7 @@ CMainWindow::CMainWindow(QWidget *parent)
     setDocument(QString(), QString());
     retranslate();
     resize(1280, 800);
-    resizeDocks({m_dock}, {540}, Qt::Horizontal);
+    resizeDocks({m_dock}, {560}, Qt::Horizontal);
 }
 
 CMainWindow::~CMainWindow()
