@@ -10,8 +10,6 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 FUZZ_SECONDS ?= 60
 CMAKE      ?= cmake
 
-export QT_QPA_PLATFORM ?= offscreen
-
 .PHONY: all deps build demo test sanitize bench fuzz clean
 
 all: build

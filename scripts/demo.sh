@@ -11,7 +11,7 @@ if [[ ! -x "$host" ]]; then
     exit 1
 fi
 if [[ -n "${DISPLAY:-}" || -n "${WAYLAND_DISPLAY:-}" ]]; then
-    # The Makefile exports the offscreen platform for the tests; a window needs the real one.
+    # An offscreen platform left in the environment would hide the window.
     if [[ "${QT_QPA_PLATFORM:-}" == offscreen ]]; then
         unset QT_QPA_PLATFORM
     fi
