@@ -40,6 +40,9 @@ LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &libra
 LibraryReadResult ReadMaterialLibraryFile(const QString &path, CMaterialLibrary &library);
 
 QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library);
+// The document as indented JSON text: the bytes of
+// QJsonDocument(MaterialLibraryToJson(library)).toJson(), written directly.
+QByteArray MaterialLibraryText(const CMaterialLibrary &library);
 // Indented JSON; false when the device takes less than all of it.
 bool WriteMaterialLibrary(QIODevice *device, const CMaterialLibrary &library);
 // Atomic: the previous file stays whole unless the new one was written.

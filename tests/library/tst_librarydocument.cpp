@@ -19,6 +19,8 @@ class tst_LibraryDocument : public QObject
 
 private slots:
     void writesDocument();
+    void textIsQtsText_data();
+    void textIsQtsText();
     void roundTripKeepsWhatTheReaderReads();
     void readField_data();
     void readField();
@@ -235,6 +237,115 @@ void tst_LibraryDocument::writesDocument()
 
     const QJsonObject written = MaterialLibraryToJson(sampleLibrary());
     QVERIFY2(written == expected, QJsonDocument(written).toJson().constData());
+}
+
+void tst_LibraryDocument::textIsQtsText_data()
+{
+    QTest::addColumn<QString>("shape");
+    for (const char *shape :
+         {"sample", "empty", "tube without powers", "power without materials", "numbers",
+          "strings", "every BMP character", "stray surrogates", "names", "tube 7 and Glass",
+          "thickness keys that collide", "version text", "version fraction", "version object",
+          "version large integer"}) {
+        QTest::newRow(shape) << QString::fromLatin1(shape);
+    }
+}
+
+void tst_LibraryDocument::textIsQtsText()
+{
+    QFETCH(QString, shape);
+    TestEnvironment env;
+
+    CMaterialLibrary library;
+    const CLibKey k = libKey(QStringLiteral("M"), 3.0, 0);
+    if (shape == QLatin1String("sample")) {
+        library = sampleLibrary();
+    } else if (shape == QLatin1String("tube without powers")) {
+        library.AddTube(3);
+    } else if (shape == QLatin1String("power without materials")) {
+        library.AddPower(4, 5, true);
+        library.AddPower(4, 10, false);
+    } else if (shape == QLatin1String("numbers")) {
+        library.AddMaterial(libMaterial(QStringLiteral("M"), {3.0}));
+        const double values[] = {0.0, -0.0, 1e21, 1e-7, 0.1, 100000.0, 4e15, 1e16, 9.2e18,
+                                 9007199254740994.0, 12345678901234567.0, -3.0, -0.5, 1e300,
+                                 5e-324, std::numeric_limits<double>::quiet_NaN(),
+                                 std::numeric_limits<double>::infinity(), 2.0 / 3.0};
+        double thickness = 1.0;
+        for (double value : values) {
+            library.AddThickness(2, 60, QStringLiteral("M"), thickness);
+            CLibCutSet cut = sampleCutSet(libKey(QStringLiteral("M"), thickness, 0));
+            cut.speed = value;
+            cut.laser2.dwellPower = -value;
+            cut.laser1.frequency = std::numeric_limits<qint32>::min();
+            library.SetCutSet(cut);
+            CLibSweepSet sweep = sampleSweepSet(libKey(QStringLiteral("M"), thickness, 3));
+            sweep.offsetDistance = value;
+            library.SetSweepSet(sweep);
+            thickness += 1.0;
+        }
+    } else if (shape == QLatin1String("strings") || shape == QLatin1String("every BMP character")
+               || shape == QLatin1String("stray surrogates")) {
+        QString text;
+        if (shape == QLatin1String("strings")) {
+            text = QStringLiteral("quote \" backslash \\ slash / tab \t cr \r nl \n bell \a "
+                                  "nul ") + QChar(0) + QStringLiteral(" del \x7f é 椴木 🪵 end");
+        } else if (shape == QLatin1String("stray surrogates")) {
+            text = QStringLiteral("a") + QChar(0xd800) + QStringLiteral("b") + QChar(0xdc00);
+        } else {
+            for (char16_t c = 1; c < 0xffff; ++c) {
+                if (!QChar::isSurrogate(c))
+                    text += QChar(c);
+            }
+        }
+        CLibMaterial material = libMaterial(QStringLiteral("M"), {3.0});
+        material.iconPath = text;
+        library.AddMaterial(material);
+        CLibCutSet cut = sampleCutSet(k);
+        cut.note = text;
+        library.SetCutSet(cut);
+        library.SetMarkSet({libKey(QStringLiteral("M"), 3.0, 4), text});
+    } else if (shape == QLatin1String("names")) {
+        const QStringList names = {QStringLiteral("b"), QStringLiteral("a\"q"),
+                                   QStringLiteral("Z"), QString(), QStringLiteral("é"),
+                                   QStringLiteral("椴木"), QStringLiteral("🪵 log"),
+                                   QStringLiteral("\uffff"), QStringLiteral("tab\tname"),
+                                   QStringLiteral("back\\slash")};
+        for (const QString &name : names) {
+            library.AddMaterial(libMaterial(name, {1.0}));
+            library.SetMarkSet({libKey(name, 1.0, 4), name});
+        }
+    } else if (shape == QLatin1String("tube 7 and Glass")) {
+        library.AddMaterial(libMaterial(QStringLiteral("G"), {1.0}, 0, 80));
+        library.AddMaterial(libMaterial(QStringLiteral("S"), {2.0}, 7, 40));
+    } else if (shape == QLatin1String("thickness keys that collide")) {
+        library.AddMaterial(libMaterial(QStringLiteral("M"), {3.001, 3.004, -0.0, 10.0, 2.0}));
+        library.SetCutSet(sampleCutSet(libKey(QStringLiteral("M"), 3.001, 0)));
+        library.SetSweepSet(sampleSweepSet(libKey(QStringLiteral("M"), 3.004, 2)));
+        library.SetMarkSet({libKey(QStringLiteral("M"), -0.0, 4), QString()});
+    } else if (shape.startsWith(QLatin1String("version"))) {
+        library = sampleLibrary();
+        if (shape.endsWith(QLatin1String("text")))
+            library.SetVersion(QStringLiteral("2024 \"b\""));
+        else if (shape.endsWith(QLatin1String("fraction")))
+            library.SetVersion(2.5);
+        else if (shape.endsWith(QLatin1String("object")))
+            library.SetVersion(jsonObject(R"({"major": 2, "list": [1, {"a": []}, {}]})"));
+        else
+            library.SetVersion(qint64(9007199254740993));
+    }
+
+    const QByteArray qt = QJsonDocument(MaterialLibraryToJson(library)).toJson();
+    const QByteArray ours = MaterialLibraryText(library);
+    if (ours != qt) {
+        qsizetype at = 0;
+        while (at < ours.size() && at < qt.size() && ours.at(at) == qt.at(at))
+            ++at;
+        QFAIL(qPrintable(QStringLiteral("differs at %1: ours \"%2\", Qt \"%3\"")
+                             .arg(at)
+                             .arg(QString::fromUtf8(ours.mid(qMax(0, at - 40), 80)),
+                                  QString::fromUtf8(qt.mid(qMax(0, at - 40), 80)))));
+    }
 }
 
 void tst_LibraryDocument::roundTripKeepsWhatTheReaderReads()
