@@ -16,7 +16,9 @@ CLayerLineEditWidget::CLayerLineEditWidget(QWidget *parent)
 {
     m_edit->setObjectName(QStringLiteral("lineEdit_value"));
     m_edit->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
-    m_edit->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    // Policy value 5 across: Preferred, so the edit keeps a width between the
+    // stretches (Ignored would squeeze it to nothing).
+    m_edit->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     m_edit->setContextMenuPolicy(Qt::NoContextMenu);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

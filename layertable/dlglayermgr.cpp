@@ -121,12 +121,15 @@ struct DlgLayerMgr::LaserNames
 };
 
 // Hands out numbers from 37 upward to layers whose colour is not in the
-// palette: a layer keeps its stored number unless another layer holds it too,
-// else it takes the smallest number no layer holds.
+// palette. While the list is rebuilt a layer keeps its stored number unless
+// another layer holds it too; otherwise stored numbers stay. A layer without
+// a number of 37 or more (one that was never shown, a special layer held back
+// at the last synchronisation) takes the smallest number no layer holds.
 class DlgLayerMgr::UniqueNumbers
 {
 public:
-    explicit UniqueNumbers(CLayerMgrIns &manager)
+    UniqueNumbers(CLayerMgrIns &manager, bool renumberShared)
+        : m_renumberShared(renumberShared)
     {
         const quint32 count = quint32(manager.GetLayerCount());
         m_held.reserve(qsizetype(count));
@@ -141,7 +144,7 @@ public:
     {
         const int stored = layer.AUX_INDEX;
         if (stored >= kFirstUniqueNumber) {
-            if (m_held.value(stored) == 1)
+            if (!m_renumberShared || m_held.value(stored) == 1)
                 return stored;
             // Shared with another layer: this one moves on.
             --m_held[stored];
@@ -155,6 +158,7 @@ public:
     }
 
 private:
+    bool m_renumberShared;
     QHash<int, int> m_held;
     // Every number from 37 below this one is held.
     int m_lowestFree = kFirstUniqueNumber;
@@ -163,6 +167,7 @@ private:
 DlgLayerMgr::DlgLayerMgr(QWidget *parent)
     : QWidget(parent)
     , ui(new Ui::DlgLayerMgr)
+    , m_receiver(std::make_unique<QObject>())
 {
     m_layers.clear();
     m_pendingColors.clear();
@@ -176,6 +181,10 @@ DlgLayerMgr::DlgLayerMgr(QWidget *parent)
 
 DlgLayerMgr::~DlgLayerMgr()
 {
+    // The cell widgets outlive this part of the object while QWidget deletes
+    // its children, and a line edit losing focus then still reports an edit.
+    m_receiver.reset();
+    ui->tableWidget->viewport()->removeEventFilter(this);
     if (g_pLayerPanel == this)
         g_pLayerPanel = nullptr;
     if (m_resolution)
@@ -202,14 +211,18 @@ void DlgLayerMgr::initialise()
     table->setStyleSheet(QStringLiteral("border:none;"));
     table->setSelectionMode(QAbstractItemView::SingleSelection);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
-    connect(table, &CTableWidgetUpDown::MoveLayerSignal, this, &DlgLayerMgr::MoveLayerSlot);
-    connect(table->horizontalHeader(), &QHeaderView::sectionClicked, this,
-            &DlgLayerMgr::HorzHeaderClickedSlot);
-    connect(table, &QTableWidget::cellClicked, this, &DlgLayerMgr::onCellClicked);
-    connect(table, &QTableWidget::itemDoubleClicked, this, &DlgLayerMgr::onItemDoubleClicked);
+    QObject *receiver = m_receiver.get();
+    connect(table, &CTableWidgetUpDown::MoveLayerSignal, receiver,
+            [this](int from, int to) { MoveLayerSlot(from, to); });
+    connect(table->horizontalHeader(), &QHeaderView::sectionClicked, receiver,
+            [this](int column) { HorzHeaderClickedSlot(column); });
+    connect(table, &QTableWidget::cellClicked, receiver,
+            [this](int row, int column) { onCellClicked(row, column); });
+    connect(table, &QTableWidget::itemDoubleClicked, receiver,
+            [this](QTableWidgetItem *item) { onItemDoubleClicked(item); });
     createRows(kInitialRows);
-    connect(table->verticalScrollBar(), &QScrollBar::valueChanged, this,
-            &DlgLayerMgr::updateWidgetWindow);
+    connect(table->verticalScrollBar(), &QScrollBar::valueChanged, receiver,
+            [this] { updateWidgetWindow(); });
     table->viewport()->installEventFilter(this);
     m_initialised = true;
 }
@@ -278,7 +291,8 @@ void DlgLayerMgr::attachRowWidgets(int row)
     QTableWidgetItem *numberItem = table->item(row, COL_NUM);
     auto *number = new CLayerNumberWidget;
     table->setCellWidget(row, COL_NUM, number);
-    connect(number, &CLayerNumberWidget::ButtonDoubleClicked, this, [this, numberItem] {
+    QObject *receiver = m_receiver.get();
+    connect(number, &CLayerNumberWidget::ButtonDoubleClicked, receiver, [this, numberItem] {
         // The button swallows the clicks, so its row is made current here.
         ui->tableWidget->selectRow(numberItem->row());
         onItemDoubleClicked(numberItem);
@@ -286,7 +300,7 @@ void DlgLayerMgr::attachRowWidgets(int row)
 
     auto *mode = new CLayerModeWidget;
     table->setCellWidget(row, COL_MODE, mode);
-    connect(mode, &CLayerModeWidget::currentIndexChanged, this,
+    connect(mode, &CLayerModeWidget::currentIndexChanged, receiver,
             [this, row](int index) { onModeChanged(row, index); });
 
     auto *speed = new CLayerLineEditWidget;
@@ -296,9 +310,9 @@ void DlgLayerMgr::attachRowWidgets(int row)
     power->SetRange(0.1, 100.0, 1, QLocale::C);
     power->SetText(QStringLiteral("1"));
     for (CLayerLineEditWidget *value : {speed, power}) {
-        connect(value, &CLayerLineEditWidget::editingFinished, this,
+        connect(value, &CLayerLineEditWidget::editingFinished, receiver,
                 [this, row] { onValueEdited(row); });
-        connect(value, &CLayerLineEditWidget::rightButtonClicked, this,
+        connect(value, &CLayerLineEditWidget::rightButtonClicked, receiver,
                 [this, row] { activateRow(row); });
     }
     table->setCellWidget(row, COL_SPEED, speed);
@@ -306,7 +320,7 @@ void DlgLayerMgr::attachRowWidgets(int row)
 
     auto *air = new CLayerAir;
     table->setCellWidget(row, COL_AIR, air);
-    connect(air, &CLayerAir::currentIndexChanged, this,
+    connect(air, &CLayerAir::currentIndexChanged, receiver,
             [this, row](int index) { onAirChanged(row, index); });
 
     auto *output = new QPushButton;
@@ -315,7 +329,7 @@ void DlgLayerMgr::attachRowWidgets(int row)
     output->setChecked(true);
     output->setIcon(m_eyeOpen);
     output->setProperty(kRowProperty, row);
-    connect(output, &QPushButton::clicked, this, &DlgLayerMgr::OutputButtonClickedSlot);
+    connect(output, &QPushButton::clicked, receiver, [this, output] { outputClicked(output); });
     table->setCellWidget(row, COL_OUTPUT, output);
 }
 
@@ -436,11 +450,9 @@ void DlgLayerMgr::refill()
         createRows(int(count * kRowGrowth));
 
     const LaserNames names = LaserNames::Read();
-    std::unique_ptr<UniqueNumbers> numbers;
-    if (m_rebuildPending)
-        numbers = std::make_unique<UniqueNumbers>(*m_manager);
+    UniqueNumbers numbers(*m_manager, m_rebuildPending);
     for (int row = 0; row < count; ++row)
-        fillRow(row, m_manager->GetLayerAt(quint32(row)), names, numbers.get());
+        fillRow(row, m_manager->GetLayerAt(quint32(row)), names, &numbers);
 
     // Spare rows stay hidden for later growth; they must not keep pointers to
     // layers that may be gone.
@@ -525,8 +537,13 @@ void DlgLayerMgr::fillRow(int row, CLayerParam *layer, const LaserNames &names,
 
     const quint32 color = layer->COLOR;
     int number = paletteNumber(color);
-    if (number == 0)
-        number = numbers ? numbers->Take(*layer) : layer->AUX_INDEX;
+    if (number == 0 && numbers) {
+        number = numbers->Take(*layer);
+    } else if (number == 0) {
+        number = layer->AUX_INDEX;
+        if (number < kFirstUniqueNumber && m_manager)
+            number = UniqueNumbers(*m_manager, false).Take(*layer);
+    }
     layer->AUX_INDEX = number;
     if (size_t(row) < m_layers.size() && m_layers[size_t(row)].COLOR == color)
         m_layers[size_t(row)].AUX_INDEX = number;
@@ -722,8 +739,12 @@ void DlgLayerMgr::MoveLayerSlot(int from, int to)
 void DlgLayerMgr::OutputButtonClickedSlot(bool checked)
 {
     Q_UNUSED(checked);
+    outputClicked(qobject_cast<QWidget *>(sender()));
+}
+
+void DlgLayerMgr::outputClicked(QWidget *button)
+{
     ILog_WriteLogF(0, "%s", "pushButton_layerEye was clicked.");
-    auto *button = qobject_cast<QWidget *>(sender());
     if (!button)
         return;
     // The button knows its row: right after a refill its geometry may still

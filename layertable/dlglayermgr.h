@@ -100,6 +100,7 @@ private:
     void selectRowOnce(int row);
     QString speedText(const CLayerParam &layer) const;
 
+    void outputClicked(QWidget *button);
     void onCellClicked(int row, int column);
     void onItemDoubleClicked(QTableWidgetItem *item);
     void onModeChanged(int row, int index);
@@ -108,6 +109,9 @@ private:
     void activateRow(int row);
 
     std::unique_ptr<Ui::DlgLayerMgr> ui;
+    // Context of every connection into the panel; it goes first when the
+    // panel goes, so no signal reaches a half-destroyed panel.
+    std::unique_ptr<QObject> m_receiver;
     CLayerMgrIns *m_manager = nullptr;
     std::vector<CLayerParam> m_layers;
     QList<quint32> m_pendingColors;

@@ -161,6 +161,7 @@ private slots:
     void paletteNumbers();
     void uniqueNumbersFrom37();
     void uniqueNumbersKeepStored();
+    void heldBackSpecialLayerGetsNumber();
     void rowGrowthAndSpareRows();
     void syncRefillsOnlyOnChange();
     void speedsInUnitModes_data();
@@ -176,6 +177,7 @@ private slots:
     void valueEdit_data();
     void valueEdit();
     void airEdit();
+    void destroyedWhileEditing();
     void rightButtonInValueEditor();
     void wheelOverModeKeepsLayer();
     void dragReordersLayers();
@@ -441,6 +443,29 @@ void tst_DlgLayerMgr::uniqueNumbersKeepStored()
     f.sync();
     QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 39);
     QCOMPARE(f.manager->GetLayerAt(5)->AUX_INDEX, 42);
+}
+
+void tst_DlgLayerMgr::heldBackSpecialLayerGetsNumber()
+{
+    PanelFixture f;
+    g_pLayerPanel = f.panel.get();
+    CShapeList shapes;
+    shapes.AddTail(new CShape(plainColor(0)));
+    shapes.AddTail(new CShape(kReservedColorA));
+    shapes.AddTail(new CShape(StandardLayerColor(1, false)));
+    f.manager->UpdateLayers(&shapes);
+    // The special layer joins the list after the panel was told.
+    QCOMPARE(f.manager->GetLayerCount(), 3u);
+    QCOMPARE(f.visibleRows(), 2);
+    QCOMPARE(f.manager->GetLayerByColor(kReservedColorA)->AUX_INDEX, -1);
+
+    // The next refill shows it, with a number of its own.
+    f.panel->SetDualLaser(true);
+    QCOMPARE(f.visibleRows(), 3);
+    QCOMPARE(f.manager->GetLayerAt(2)->COLOR, kReservedColorA);
+    QCOMPARE(f.manager->GetLayerAt(2)->AUX_INDEX, 38);
+    QCOMPARE(f.colorButton(2)->text(), QStringLiteral("l"));
+    QCOMPARE(f.manager->GetLayerByColor(plainColor(0))->AUX_INDEX, 37);
 }
 
 void tst_DlgLayerMgr::rowGrowthAndSpareRows()
@@ -770,6 +795,27 @@ void tst_DlgLayerMgr::airEdit()
     QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
     f.combo(0, COL_AIR)->setCurrentIndex(0);
     QVERIFY(layer->BLOW);
+}
+
+void tst_DlgLayerMgr::destroyedWhileEditing()
+{
+    PanelFixture f;
+    CLayerParam *layer = addLayer(*f.manager, plainColor(0));
+    layer->CUT.CUT_SPEED = 12.0;
+    f.sync();
+    QVERIFY(f.show());
+    f.panel->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
+    QLineEdit *edit = f.editor(0, COL_SPEED);
+    QTest::mouseClick(edit, Qt::LeftButton);
+    edit->selectAll();
+    QTest::keyClicks(edit, QStringLiteral("77"));
+    QVERIFY(edit->hasFocus());
+    // The editor loses its focus while the panel is half gone: nothing may
+    // reach the panel any more.
+    f.panel.reset();
+    QCOMPARE(layer->CUT.CUT_SPEED, 12.0);
+    QVERIFY(f.host.calls.isEmpty());
 }
 
 void tst_DlgLayerMgr::rightButtonInValueEditor()

@@ -71,6 +71,7 @@ private slots:
     void pressOnComboSelectsRow();
     void lineEditShownText_data();
     void lineEditShownText();
+    void lineEditFillsNarrowCell();
     void lineEditPresses_data();
     void lineEditPresses();
     void lineEditRefusesOutOfRange_data();
@@ -295,6 +296,22 @@ void tst_LayerCellWidgets::lineEditShownText()
     QCOMPARE(widget.Value(), value);
     QCOMPARE(edit->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
     QCOMPARE(edit->contextMenuPolicy(), Qt::NoContextMenu);
+}
+
+void tst_LayerCellWidgets::lineEditFillsNarrowCell()
+{
+    TestEnvironment env;
+    CLayerLineEditWidget widget;
+    widget.SetRange(0.0, 3000.0, 0, QLocale::C);
+    widget.SetText(QStringLiteral("120"));
+    widget.resize(80, 40);
+    widget.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&widget));
+    auto *edit = widget.findChild<QLineEdit *>();
+    // The value must stay readable in a narrow table column.
+    QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
+    QCOMPARE(edit->height(), edit->sizeHint().height());
+    QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
 }
 
 void tst_LayerCellWidgets::lineEditPresses_data()
