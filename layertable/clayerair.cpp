@@ -16,6 +16,14 @@ CLayerAir::CLayerAir(QWidget *parent)
     connect(m_combo, &QComboBox::currentIndexChanged, this, &CLayerAir::currentIndexChanged);
 }
 
+// The combo is deleted after this part of the object: nothing it still
+// says may reach it.
+CLayerAir::~CLayerAir()
+{
+    m_combo->disconnect(this);
+    m_combo->removeEventFilter(this);
+}
+
 void CLayerAir::buildList()
 {
     m_combo->clear();

@@ -11,6 +11,7 @@ class CLayerAir : public QWidget
 
 public:
     explicit CLayerAir(QWidget *parent = nullptr);
+    ~CLayerAir() override;
 
     void SetCurrentText(const QString &text);
     QString CurrentText() const;

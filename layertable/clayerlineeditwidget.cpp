@@ -31,6 +31,14 @@ CLayerLineEditWidget::CLayerLineEditWidget(QWidget *parent)
     connect(m_edit, &QLineEdit::returnPressed, this, &CLayerLineEditWidget::onReturnPressed);
 }
 
+// The line edit is deleted after this part of the object, and a focused edit
+// still reports its editing as finished when it goes.
+CLayerLineEditWidget::~CLayerLineEditWidget()
+{
+    m_edit->disconnect(this);
+    m_edit->removeEventFilter(this);
+}
+
 void CLayerLineEditWidget::SetRange(double min, double max, int decimals, int language)
 {
     if (!m_validator) {

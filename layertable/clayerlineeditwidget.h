@@ -13,6 +13,7 @@ class CLayerLineEditWidget : public QWidget
 
 public:
     explicit CLayerLineEditWidget(QWidget *parent = nullptr);
+    ~CLayerLineEditWidget() override;
 
     // language is a QLocale::Language; the panel passes QLocale::C so the
     // decimal separator is always a point.

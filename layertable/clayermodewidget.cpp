@@ -29,6 +29,14 @@ QString CLayerModeWidget::WorkTypeName(int workType)
     return QStringLiteral("Unknow");
 }
 
+// The combo is deleted after this part of the object: nothing it still
+// says may reach it.
+CLayerModeWidget::~CLayerModeWidget()
+{
+    m_combo->disconnect(this);
+    m_combo->removeEventFilter(this);
+}
+
 void CLayerModeWidget::BuildList(bool fillOnly)
 {
     m_combo->clear();

@@ -12,6 +12,7 @@ class CLayerModeWidget : public QWidget
 
 public:
     explicit CLayerModeWidget(QWidget *parent = nullptr);
+    ~CLayerModeWidget() override;
 
     void BuildList(bool fillOnly);
     bool FillOnly() const { return m_fillOnly; }
