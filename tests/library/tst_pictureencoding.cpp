@@ -30,6 +30,13 @@ QImage gradient(const QSize &size)
     return image;
 }
 
+// A literal with its embedded zero bytes, without the terminating one.
+template<size_t N>
+QByteArray bytesOf(const char (&text)[N])
+{
+    return QByteArray(text, qsizetype(N - 1));
+}
+
 QByteArray decoded(const QString &text)
 {
     return QByteArray::fromBase64(text.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
@@ -113,10 +120,9 @@ void tst_PictureEncoding::unreadable_data()
     QTest::newRow("garbage: text named png") << QByteArray("not a picture") << "text.png";
     QTest::newRow("garbage: empty jpg") << QByteArray() << "empty.jpg";
     QTest::newRow("garbage: truncated png")
-        << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0", 24) << "cut.png";
+        << bytesOf("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0") << "cut.png";
     QTest::newRow("garbage: absurd dimensions")
-        << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\x7f\xff\xff\xff\x7f\xff\xff\xff\x08\x02\0\0\0",
-                      29)
+        << bytesOf("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\x7f\xff\xff\xff\x7f\xff\xff\xff\x08\x02\0\0\0")
         << "huge.png";
 }
 
