@@ -128,30 +128,11 @@ QJsonObject writePen(const CLibPen &pen)
     return o;
 }
 
-void readDelays(const QJsonObject &o, int which, CLibLaser &laser)
-{
-    const LaserKeys &k = kLaserKeys[which];
-    laser.jumpDelay = o.value(k.jumpDelay).toInt(0);
-    laser.cornerDelay = o.value(k.cornerDelay).toInt(0);
-}
-
 void writeDelays(QJsonObject &o, int which, const CLibLaser &laser)
 {
     const LaserKeys &k = kLaserKeys[which];
     o.insert(k.jumpDelay, laser.jumpDelay);
     o.insert(k.cornerDelay, laser.cornerDelay);
-}
-
-void readDwell(const QJsonObject &o, int which, CLibLaser &laser)
-{
-    const LaserKeys &k = kLaserKeys[which];
-    laser.dwellMode = o.value(k.dwellMode).toBool(false);
-    laser.dwellOn = o.value(k.dwellOn).toBool(false);
-    laser.startDwell = o.value(k.startDwell).toBool(false);
-    laser.endDwell = o.value(k.endDwell).toBool(false);
-    laser.startDwellTime = o.value(k.startDwellTime).toInt(0);
-    laser.endDwellTime = o.value(k.endDwellTime).toInt(0);
-    laser.dwellPower = o.value(k.dwellPower).toDouble(0.0);
 }
 
 void writeDwell(QJsonObject &o, int which, const CLibLaser &laser)
@@ -166,45 +147,144 @@ void writeDwell(QJsonObject &o, int which, const CLibLaser &laser)
     o.insert(k.dwellPower, laser.dwellPower);
 }
 
+// Keys of the cut and sweep blocks. A block is read by walking its members
+// once: a look-up per key costs a binary search with a slow string compare,
+// and blocks are most of a library.
+enum EBlockKey {
+    K_Blowing, K_Speed, K_Power, K_TurnPower, K_Frequency1, K_PulseWidth1, K_SealLength,
+    K_Bridges, K_BridgesSpace, K_BridgesLength, K_UseGuideLine, K_Power2, K_TurnPower2,
+    K_Frequency2, K_PulseWidth2, K_GuideLine, K_PenAction, K_Compensate, K_Note, K_Dpi, K_Mode,
+    K_RampLength, K_Is3DRelief, K_OffsetEngraving, K_OffsetType, K_OffsetDistance, K_IsRamp,
+    K_MinPower, K_MaxPower, K_CarvingNumber,
+    // Per laser: K_Laser + which * K_LaserKeys + the field.
+    K_Laser, K_JumpDelay = 0, K_CornerDelay, K_DwellMode, K_DwellOn, K_StartDwell, K_EndDwell,
+    K_StartDwellTime, K_EndDwellTime, K_DwellPower, K_LaserKeys,
+};
+
+const QHash<QString, int> &blockKeys()
+{
+    static const QHash<QString, int> keys = [] {
+        const std::pair<QLatin1String, int> named[] = {
+            {kBlowing, K_Blowing}, {kSpeed, K_Speed}, {kPower, K_Power},
+            {kTurnPower, K_TurnPower}, {kFrequency1, K_Frequency1},
+            {kPulseWidth1, K_PulseWidth1}, {kSealLength, K_SealLength}, {kBridges, K_Bridges},
+            {kBridgesSpace, K_BridgesSpace}, {kBridgesLength, K_BridgesLength},
+            {kUseGuideLine, K_UseGuideLine}, {kPower2, K_Power2}, {kTurnPower2, K_TurnPower2},
+            {kFrequency2, K_Frequency2}, {kPulseWidth2, K_PulseWidth2},
+            {kGuideLine, K_GuideLine}, {kPenAction, K_PenAction}, {kCompensate, K_Compensate},
+            {kNote, K_Note}, {kDpi, K_Dpi}, {kMode, K_Mode}, {kRampLength, K_RampLength},
+            {kIs3DRelief, K_Is3DRelief}, {kOffsetEngraving, K_OffsetEngraving},
+            {kOffsetType, K_OffsetType}, {kOffsetDistance, K_OffsetDistance},
+            {kIsRamp, K_IsRamp}, {kMinPower, K_MinPower}, {kMaxPower, K_MaxPower},
+            {kCarvingNumber, K_CarvingNumber},
+        };
+        QHash<QString, int> map;
+        for (const auto &entry : named)
+            map.insert(entry.first, entry.second);
+        for (int which = 0; which < 2; ++which) {
+            const LaserKeys &k = kLaserKeys[which];
+            const int base = K_Laser + which * K_LaserKeys;
+            map.insert(k.jumpDelay, base + K_JumpDelay);
+            map.insert(k.cornerDelay, base + K_CornerDelay);
+            map.insert(k.dwellMode, base + K_DwellMode);
+            map.insert(k.dwellOn, base + K_DwellOn);
+            map.insert(k.startDwell, base + K_StartDwell);
+            map.insert(k.endDwell, base + K_EndDwell);
+            map.insert(k.startDwellTime, base + K_StartDwellTime);
+            map.insert(k.endDwellTime, base + K_EndDwellTime);
+            map.insert(k.dwellPower, base + K_DwellPower);
+        }
+        return map;
+    }();
+    return keys;
+}
+
+// Delays of either block, dwell of cut blocks. False when the key is none.
+bool readLaserMember(int id, const QJsonValue &v, CLibLaser *lasers, bool dwell)
+{
+    if (id < K_Laser)
+        return false;
+    CLibLaser &laser = lasers[(id - K_Laser) / K_LaserKeys];
+    switch ((id - K_Laser) % K_LaserKeys) {
+    case K_JumpDelay: laser.jumpDelay = v.toInt(0); return true;
+    case K_CornerDelay: laser.cornerDelay = v.toInt(0); return true;
+    default: break;
+    }
+    if (!dwell)
+        return true;
+    switch ((id - K_Laser) % K_LaserKeys) {
+    case K_DwellMode: laser.dwellMode = v.toBool(false); break;
+    case K_DwellOn: laser.dwellOn = v.toBool(false); break;
+    case K_StartDwell: laser.startDwell = v.toBool(false); break;
+    case K_EndDwell: laser.endDwell = v.toBool(false); break;
+    case K_StartDwellTime: laser.startDwellTime = v.toInt(0); break;
+    case K_EndDwellTime: laser.endDwellTime = v.toInt(0); break;
+    case K_DwellPower: laser.dwellPower = v.toDouble(0.0); break;
+    default: break;
+    }
+    return true;
+}
+
 CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
 {
     CLibCutSet set;
     set.key = key;
-    set.blowing = o.value(kBlowing).toBool(false);
-    // Whole numbers only: 12.5 reads as 0, as it always has.
-    set.speed = o.value(kSpeed).toInt(0);
-    set.laser1.power = o.value(kPower).toDouble(0.0);
-    set.laser1.turnPower = o.value(kTurnPower).toDouble(0.0);
-    set.laser1.frequency = truncated(o.value(kFrequency1).toDouble(4000.0));
-    set.laser1.pulseWidth = truncated(o.value(kPulseWidth1).toDouble(500.0));
-    set.sealLength = o.value(kSealLength).toInt(0);
-    if (key.craft == LIB_CRAFT_CUTTING) {
-        set.bridges = o.value(kBridges).toBool(false);
-        set.bridgesSpace = o.value(kBridgesSpace).toDouble(0.0);
-        set.bridgesLength = o.value(kBridgesLength).toDouble(0.0);
-        set.useGuideLine = o.value(kUseGuideLine).toBool(false);
-        const QJsonObject guide = o.value(kGuideLine).toObject();
-        set.guideType = guide.value(kGuideType).toInt(0);
-        set.guideIn = guide.value(kGuideIn).toInt(0);
-        set.guideInLen = guide.value(kGuideInLen).toDouble(0.0);
-        set.guideOut = guide.value(kGuideOut).toInt(0);
-        set.guideOutLen = guide.value(kGuideOutLen).toDouble(0.0);
-        const QJsonObject compensate = o.value(kCompensate).toObject();
-        set.useCompensate = compensate.value(kUseCompensate).toBool(false);
-        set.compensateOutward = compensate.value(kCompensateOutward).toBool(true);
-        set.compensateSize = compensate.value(kCompensateSize).toDouble(0.25);
+    const bool cutting = key.craft == LIB_CRAFT_CUTTING;
+    const QHash<QString, int> &keys = blockKeys();
+    CLibLaser lasers[2] = {set.laser1, set.laser2};
+    for (auto it = o.begin(); it != o.end(); ++it) {
+        const auto found = keys.constFind(it.key());
+        if (found == keys.cend())
+            continue;
+        const QJsonValue v = it.value();
+        if (readLaserMember(*found, v, lasers, true))
+            continue;
+        switch (*found) {
+        case K_Blowing: set.blowing = v.toBool(false); break;
+        // Whole numbers only: 12.5 reads as 0, as it always has.
+        case K_Speed: set.speed = v.toInt(0); break;
+        case K_Power: lasers[0].power = v.toDouble(0.0); break;
+        case K_TurnPower: lasers[0].turnPower = v.toDouble(0.0); break;
+        case K_Frequency1: lasers[0].frequency = truncated(v.toDouble(4000.0)); break;
+        case K_PulseWidth1: lasers[0].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_SealLength: set.sealLength = v.toInt(0); break;
+        case K_Power2: lasers[1].power = v.toDouble(20.0); break;
+        case K_TurnPower2: lasers[1].turnPower = v.toDouble(20.0); break;
+        case K_Frequency2: lasers[1].frequency = truncated(v.toDouble(4000.0)); break;
+        case K_PulseWidth2: lasers[1].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_PenAction: set.pen = readPen(v.toObject()); break;
+        case K_Note: set.note = v.toString(); break;
+        default: break;
+        }
+        if (!cutting)
+            continue;
+        // Read for "Cutting" only; a "Tracing" block keeps the defaults.
+        switch (*found) {
+        case K_Bridges: set.bridges = v.toBool(false); break;
+        case K_BridgesSpace: set.bridgesSpace = v.toDouble(0.0); break;
+        case K_BridgesLength: set.bridgesLength = v.toDouble(0.0); break;
+        case K_UseGuideLine: set.useGuideLine = v.toBool(false); break;
+        case K_GuideLine: {
+            const QJsonObject guide = v.toObject();
+            set.guideType = guide.value(kGuideType).toInt(0);
+            set.guideIn = guide.value(kGuideIn).toInt(0);
+            set.guideInLen = guide.value(kGuideInLen).toDouble(0.0);
+            set.guideOut = guide.value(kGuideOut).toInt(0);
+            set.guideOutLen = guide.value(kGuideOutLen).toDouble(0.0);
+            break;
+        }
+        case K_Compensate: {
+            const QJsonObject compensate = v.toObject();
+            set.useCompensate = compensate.value(kUseCompensate).toBool(false);
+            set.compensateOutward = compensate.value(kCompensateOutward).toBool(true);
+            set.compensateSize = compensate.value(kCompensateSize).toDouble(0.25);
+            break;
+        }
+        default: break;
+        }
     }
-    set.laser2.power = o.value(kPower2).toDouble(20.0);
-    set.laser2.turnPower = o.value(kTurnPower2).toDouble(20.0);
-    set.laser2.frequency = truncated(o.value(kFrequency2).toDouble(4000.0));
-    set.laser2.pulseWidth = truncated(o.value(kPulseWidth2).toDouble(500.0));
-    for (int which = 0; which < 2; ++which) {
-        CLibLaser &laser = which == 0 ? set.laser1 : set.laser2;
-        readDelays(o, which, laser);
-        readDwell(o, which, laser);
-    }
-    set.pen = readPen(o.value(kPenAction).toObject());
-    set.note = o.value(kNote).toString();
+    set.laser1 = lasers[0];
+    set.laser2 = lasers[1];
     return set;
 }
 
@@ -251,32 +331,49 @@ CLibSweepSet readSweep(const QJsonObject &o, const CLibKey &key)
 {
     CLibSweepSet set;
     set.key = key;
-    set.blowing = o.value(kBlowing).toBool(false);
-    set.speed = o.value(kSpeed).toDouble(0.0);
-    set.laser1.power = o.value(kPower).toDouble(0.0);
-    set.laser1.frequency = truncated(o.value(kFrequency1).toDouble(4000.0));
-    set.laser1.pulseWidth = truncated(o.value(kPulseWidth1).toDouble(500.0));
-    set.laser2.power = o.value(kPower2).toDouble(20.0);
-    set.laser2.frequency = truncated(o.value(kFrequency2).toDouble(4000.0));
-    set.laser2.pulseWidth = truncated(o.value(kPulseWidth2).toDouble(500.0));
-    set.dpi = o.value(kDpi).toInt(0);
-    // Written as a number, read by name: a number reads as 0.
-    set.mode = SweepModeIndex(o.value(kMode).toString());
-    set.rampLength = o.value(kRampLength).toDouble(0.0);
-    set.is3DRelief = o.value(kIs3DRelief).toBool(false);
-    set.offsetEngraving = o.value(kOffsetEngraving).toBool(false);
-    set.offsetType = o.value(kOffsetType).toInt(0);
-    set.offsetDistance = o.value(kOffsetDistance).toDouble(0.1);
-    readDelays(o, 0, set.laser1);
-    readDelays(o, 1, set.laser2);
-    if (key.craft == LIB_CRAFT_DEEP) {
-        set.isRamp = o.value(kIsRamp).toBool(false);
-        set.minPower = o.value(kMinPower).toDouble(0.0);
-        set.maxPower = o.value(kMaxPower).toDouble(0.0);
-        set.carvingNumber = o.value(kCarvingNumber).toInt(0);
+    const bool deep = key.craft == LIB_CRAFT_DEEP;
+    const QHash<QString, int> &keys = blockKeys();
+    CLibLaser lasers[2] = {set.laser1, set.laser2};
+    for (auto it = o.begin(); it != o.end(); ++it) {
+        const auto found = keys.constFind(it.key());
+        if (found == keys.cend())
+            continue;
+        const QJsonValue v = it.value();
+        if (readLaserMember(*found, v, lasers, false))
+            continue;
+        switch (*found) {
+        case K_Blowing: set.blowing = v.toBool(false); break;
+        case K_Speed: set.speed = v.toDouble(0.0); break;
+        case K_Power: lasers[0].power = v.toDouble(0.0); break;
+        case K_Frequency1: lasers[0].frequency = truncated(v.toDouble(4000.0)); break;
+        case K_PulseWidth1: lasers[0].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Power2: lasers[1].power = v.toDouble(20.0); break;
+        case K_Frequency2: lasers[1].frequency = truncated(v.toDouble(4000.0)); break;
+        case K_PulseWidth2: lasers[1].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Dpi: set.dpi = v.toInt(0); break;
+        // Written as a number, read by name: a number reads as 0.
+        case K_Mode: set.mode = SweepModeIndex(v.toString()); break;
+        case K_RampLength: set.rampLength = v.toDouble(0.0); break;
+        case K_Is3DRelief: set.is3DRelief = v.toBool(false); break;
+        case K_OffsetEngraving: set.offsetEngraving = v.toBool(false); break;
+        case K_OffsetType: set.offsetType = v.toInt(0); break;
+        case K_OffsetDistance: set.offsetDistance = v.toDouble(0.1); break;
+        case K_PenAction: set.pen = readPen(v.toObject()); break;
+        case K_Note: set.note = v.toString(); break;
+        default: break;
+        }
+        if (!deep)
+            continue;
+        switch (*found) {
+        case K_IsRamp: set.isRamp = v.toBool(false); break;
+        case K_MinPower: set.minPower = v.toDouble(0.0); break;
+        case K_MaxPower: set.maxPower = v.toDouble(0.0); break;
+        case K_CarvingNumber: set.carvingNumber = v.toInt(0); break;
+        default: break;
+        }
     }
-    set.pen = readPen(o.value(kPenAction).toObject());
-    set.note = o.value(kNote).toString();
+    set.laser1 = lasers[0];
+    set.laser2 = lasers[1];
     return set;
 }
 
