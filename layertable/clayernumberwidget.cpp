@@ -41,6 +41,8 @@ CLayerNumberWidget::CLayerNumberWidget(QWidget *parent)
     m_label->setAlignment(Qt::AlignCenter);
     m_button->setObjectName(QStringLiteral("pushButton_layerColor"));
     m_button->setAttribute(Qt::WA_StyledBackground);
+    // A style sheet drops the button's padding; keep room for "XXXVIII".
+    m_button->setMinimumWidth(m_button->fontMetrics().horizontalAdvance(QLatin1Char('W')) + 8);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(3);

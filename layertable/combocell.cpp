@@ -36,10 +36,12 @@ QComboBox *Create(QWidget *cell, const char *objectName)
     // widget destruction per cell.
     if (QStyle *style = fusionStyle())
         combo->setStyle(style);
+    // The cell is the combo's room: "High" must not be cut to "Hi".
+    combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto *layout = new QHBoxLayout(cell);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addStretch();
-    layout->addWidget(combo);
+    layout->addWidget(combo, 1);
     layout->addStretch();
     cell->setFocusProxy(combo);
     combo->installEventFilter(cell);
