@@ -5,7 +5,7 @@ set -euo pipefail
 build=${1:-build-bench}
 status=0
 for bench in "$build"/bench/bench_*; do
-    [ -x "$bench" ] || continue
+    [ -f "$bench" ] && [ -x "$bench" ] || continue
     echo "== $(basename "$bench")"
     "$bench" --benchmark_counters_tabular=true || status=1
 done
