@@ -1,5 +1,7 @@
 #include "librarydocument.h"
 
+#include "support/units.h"
+
 #include "crunningoptions.h"
 
 #include <QBuffer>
@@ -92,19 +94,6 @@ const LaserKeys kLaserKeys[2] = {
      QLatin1String("Start Dwell Time2"), QLatin1String("End Dwell Time2"),
      QLatin1String("Laser Dwell Power2")},
 };
-
-// Numbers read as doubles then cut to whole numbers; a value beyond the
-// range of int saturates instead of overflowing.
-qint32 truncated(double value)
-{
-    if (std::isnan(value))
-        return 0;
-    if (value >= double(std::numeric_limits<qint32>::max()))
-        return std::numeric_limits<qint32>::max();
-    if (value <= double(std::numeric_limits<qint32>::min()))
-        return std::numeric_limits<qint32>::min();
-    return qint32(value);
-}
 
 CLibPen readPen(const QJsonObject &o)
 {
@@ -245,13 +234,13 @@ CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
         case K_Speed: set.speed = v.toInt(0); break;
         case K_Power: lasers[0].power = v.toDouble(0.0); break;
         case K_TurnPower: lasers[0].turnPower = v.toDouble(0.0); break;
-        case K_Frequency1: lasers[0].frequency = truncated(v.toDouble(4000.0)); break;
-        case K_PulseWidth1: lasers[0].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Frequency1: lasers[0].frequency = TruncateToInt(v.toDouble(4000.0)); break;
+        case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
         case K_SealLength: set.sealLength = v.toInt(0); break;
         case K_Power2: lasers[1].power = v.toDouble(20.0); break;
         case K_TurnPower2: lasers[1].turnPower = v.toDouble(20.0); break;
-        case K_Frequency2: lasers[1].frequency = truncated(v.toDouble(4000.0)); break;
-        case K_PulseWidth2: lasers[1].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Frequency2: lasers[1].frequency = TruncateToInt(v.toDouble(4000.0)); break;
+        case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
         case K_PenAction: set.pen = readPen(v.toObject()); break;
         case K_Note: set.note = v.toString(); break;
         default: break;
@@ -345,11 +334,11 @@ CLibSweepSet readSweep(const QJsonObject &o, const CLibKey &key)
         case K_Blowing: set.blowing = v.toBool(false); break;
         case K_Speed: set.speed = v.toDouble(0.0); break;
         case K_Power: lasers[0].power = v.toDouble(0.0); break;
-        case K_Frequency1: lasers[0].frequency = truncated(v.toDouble(4000.0)); break;
-        case K_PulseWidth1: lasers[0].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Frequency1: lasers[0].frequency = TruncateToInt(v.toDouble(4000.0)); break;
+        case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
         case K_Power2: lasers[1].power = v.toDouble(20.0); break;
-        case K_Frequency2: lasers[1].frequency = truncated(v.toDouble(4000.0)); break;
-        case K_PulseWidth2: lasers[1].pulseWidth = truncated(v.toDouble(500.0)); break;
+        case K_Frequency2: lasers[1].frequency = TruncateToInt(v.toDouble(4000.0)); break;
+        case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
         case K_Dpi: set.dpi = v.toInt(0); break;
         // Written as a number, read by name: a number reads as 0.
         case K_Mode: set.mode = SweepModeIndex(v.toString()); break;

@@ -2,6 +2,9 @@
 
 #include <QtGlobal>
 
+#include <cmath>
+#include <limits>
+
 namespace {
 constexpr double kMmPerInch = 25.4;
 constexpr double kSecondsPerMinute = 60.0;
@@ -14,7 +17,20 @@ bool isInch(int unitMode)
 
 double Round2(double value)
 {
-    return qRound(value * 100) / 100.0;
+    const double scaled = value * 100.0;
+    const double rounded = scaled >= 0.0 ? std::trunc(scaled + 0.5) : std::trunc(scaled - 0.5);
+    return rounded / 100.0;
+}
+
+int TruncateToInt(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value >= double(std::numeric_limits<int>::max()))
+        return std::numeric_limits<int>::max();
+    if (value <= double(std::numeric_limits<int>::min()))
+        return std::numeric_limits<int>::min();
+    return int(value);
 }
 
 // Inch values stay unrounded while millimetres are cut to two decimals: the

@@ -9,8 +9,12 @@ enum EUNIT_MODE {
     UNIT_MM_PER_MIN = 3,
 };
 
-// qRound(v * 100) / 100.0
+// v * 100 rounded half away from zero, then / 100.0: qRound's rounding,
+// without its int overflow for huge values.
 double Round2(double value);
+// Towards zero; values beyond int (from broken files or settings) saturate,
+// NaN gives 0.
+int TruncateToInt(double value);
 
 double LengthToDisplay(double mm, int unitMode);
 double LengthFromDisplay(double value, int unitMode);

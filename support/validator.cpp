@@ -1,6 +1,7 @@
 #include "validator.h"
 
 #include "settings.h"
+#include "units.h"
 
 #include "ctranslator.h"
 
@@ -19,26 +20,6 @@ constexpr double kSecondsPerMinute = 60.0;
 bool isInch(int unitCode)
 {
     return unitCode == 0 || unitCode == 2;
-}
-
-// qRound(v * 100) / 100.0 without qRound's int overflow for huge values.
-double round2(double value)
-{
-    const double scaled = value * 100.0;
-    const double rounded = scaled >= 0.0 ? std::trunc(scaled + 0.5) : std::trunc(scaled - 0.5);
-    return rounded / 100.0;
-}
-
-// Truncates towards zero; bounds from a broken configuration saturate.
-int truncToInt(double value)
-{
-    if (std::isnan(value))
-        return 0;
-    if (value >= double(std::numeric_limits<int>::max()))
-        return std::numeric_limits<int>::max();
-    if (value <= double(std::numeric_limits<int>::min()))
-        return std::numeric_limits<int>::min();
-    return int(value);
 }
 
 QString wording(const char *english)
@@ -125,17 +106,17 @@ int Validator::ConvertInt(int storedValue) const
     case VALUE_LENGTH: {
         double value = storedValue;
         if (isInch(m_unitCode))
-            value = truncToInt(value / kMmPerInch);
-        return truncToInt(round2(value));
+            value = TruncateToInt(value / kMmPerInch);
+        return TruncateToInt(Round2(value));
     }
     case VALUE_SPEED:
         switch (m_unitCode) {
         case 0:
-            return truncToInt(storedValue / kMmPerInch);
+            return TruncateToInt(storedValue / kMmPerInch);
         case 2:
-            return truncToInt(storedValue / kMmPerInch * kSecondsPerMinute);
+            return TruncateToInt(storedValue / kMmPerInch * kSecondsPerMinute);
         case 3:
-            return truncToInt(double(storedValue) * 60.0);
+            return TruncateToInt(double(storedValue) * 60.0);
         default:
             return storedValue;
         }
@@ -148,7 +129,7 @@ double Validator::ConvertDouble(double storedValue) const
 {
     switch (m_valueKind) {
     case VALUE_LENGTH:
-        return isInch(m_unitCode) ? round2(storedValue / kMmPerInch) : round2(storedValue);
+        return isInch(m_unitCode) ? Round2(storedValue / kMmPerInch) : Round2(storedValue);
     case VALUE_SPEED:
         switch (m_unitCode) {
         case 0:
