@@ -8,7 +8,7 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 work="$build/fuzz-work"
 mkdir -p "$work"
 for harness in "$build"/fuzz/fuzz_*; do
-    [ -x "$harness" ] || continue
+    [ -f "$harness" ] && [ -x "$harness" ] || continue
     name=$(basename "$harness")
     corpus="$work/$name"
     mkdir -p "$corpus"
