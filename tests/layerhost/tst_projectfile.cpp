@@ -7,21 +7,6 @@
 
 #include <limits>
 
-class tst_ProjectFile : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void checksum_data();
-    void checksum();
-    void roundTrip();
-    void emptyProject();
-    void refused_data();
-    void refused();
-    void recognisedByMagic_data();
-    void recognisedByMagic();
-};
-
 namespace {
 
 std::vector<CDrawItem> everyKind()
@@ -56,8 +41,15 @@ QByteArray written(const CProjectFile &project)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    project.Write(&buffer);
-    return buffer.data();
+    return project.Write(&buffer) ? buffer.data() : QByteArray();
+}
+
+bool readInto(const QByteArray &bytes, CProjectFile *project)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    return project->Read(&buffer);
 }
 
 QByteArray sampleBytes()
@@ -129,186 +121,158 @@ QByteArray withHeaderField(QByteArray bytes, int offset, quint32 value)
 
 } // namespace
 
-void tst_ProjectFile::checksum_data()
+class tst_ProjectFile : public QObject
 {
-    QTest::addColumn<QByteArray>("data");
-    QTest::addColumn<uint>("crc");
+    Q_OBJECT
 
-    // The check values every CRC-32 implementation publishes.
-    QTest::newRow("empty") << QByteArray() << 0u;
-    QTest::newRow("check string") << QByteArray("123456789") << 0xCBF43926u;
-    QTest::newRow("pangram") << QByteArray("The quick brown fox jumps over the lazy dog") << 0x414FA339u;
-}
-
-void tst_ProjectFile::checksum()
-{
-    QFETCH(QByteArray, data);
-    QFETCH(uint, crc);
-    QCOMPARE(CProjectFile::Checksum(data), quint32(crc));
-}
-
-void tst_ProjectFile::roundTrip()
-{
-    CProjectFile project;
-    project.m_items = everyKind();
-    project.m_layers = QByteArray("\x0e\0\0\0\x02\0\0\0 and the records", 24);
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    QVERIFY(project.Write(&buffer));
-    QVERIFY(buffer.data().startsWith(CProjectFile::Magic()));
-
-    buffer.close();
-    buffer.open(QIODevice::ReadOnly);
-    CProjectFile read;
-    QVERIFY2(read.Read(&buffer), qPrintable(read.ErrorString()));
-    QCOMPARE(DrawItemsText(read.m_items), DrawItemsText(project.m_items));
-    QVERIFY(read.m_items == project.m_items);
-    QCOMPARE(read.m_items[3].Path().fillRule(), Qt::WindingFill);
-    QCOMPARE(read.m_layers, project.m_layers);
-}
-
-void tst_ProjectFile::emptyProject()
-{
-    CProjectFile project;
-    QBuffer buffer;
-    buffer.setData(written(project));
-    buffer.open(QIODevice::ReadOnly);
-    CProjectFile read;
-    read.m_items = everyKind();
-    QVERIFY(read.Read(&buffer));
-    QVERIFY(read.m_items.empty());
-    QVERIFY(read.m_layers.isEmpty());
-}
-
-void tst_ProjectFile::refused_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("error");
-
-    const QByteArray good = sampleBytes();
-    const int header = int(CProjectFile::Magic().size()) + 12;
-    const QString notProject = QStringLiteral("The file is not a project of this program.");
-    const QString truncated = QStringLiteral("The project file is truncated.");
-    const QString damaged = QStringLiteral("The project file is damaged.");
-
-    QTest::newRow("empty file") << QByteArray() << notProject;
-    QTest::newRow("an SVG file") << QByteArray("<svg><rect/></svg>") << notProject;
-    QTest::newRow("magic cut short") << good.left(5) << notProject;
-    QTest::newRow("magic mangled to text line ends")
-        << QByteArray(good).replace("\r\n", "\n") << notProject;
-    QTest::newRow("magic only") << good.left(CProjectFile::Magic().size()) << truncated;
-    QTest::newRow("header cut short") << good.left(header - 1) << truncated;
-    QTest::newRow("payload missing") << good.left(header) << truncated;
-    QTest::newRow("payload cut in half") << good.left(header + (good.size() - header) / 2) << truncated;
-    QTest::newRow("last byte missing") << good.left(good.size() - 1) << truncated;
-    QByteArray flipped = good;
-    flipped[header + 20] = char(flipped[header + 20] ^ 0x10);
-    QTest::newRow("a payload byte changed") << flipped << damaged;
-    QByteArray wrongCrc = good;
-    wrongCrc[header - 1] = char(wrongCrc[header - 1] ^ 1);
-    QTest::newRow("checksum changed") << wrongCrc << damaged;
-    QTest::newRow("bytes after the payload") << good + "x" << damaged;
-    QTest::newRow("newer version") << withHeaderField(good, 0, 2)
-                                   << "The project file was written by a newer version of this program.";
-    QTest::newRow("version zero") << withHeaderField(good, 0, 0) << damaged;
-    QTest::newRow("size beyond any project") << withHeaderField(good, 4, 0x7FFFFFFF)
-                                             << "The project file is too large.";
-
-    // Payloads with a correct checksum that we never write.
-    const QByteArray line = lineItem();
-    QTest::newRow("valid crafted payload is accepted as a control")
-        << wrap(payload(1, line)) << QString();
-    QTest::newRow("unknown kind") << wrap(payload(1, pathItem(7, 0, 0, {{0, 0, 0}}))) << damaged;
-    QTest::newRow("colour above 24 bits")
-        << wrap(payload(1, pathItem(DRAW_LINE, 0x1000000, 0, {{0, 0, 0}, {1, 1, 1}}))) << damaged;
-    QTest::newRow("unknown flags")
-        << wrap(payload(1, pathItem(DRAW_LINE, 0, 4, {{0, 0, 0}, {1, 1, 1}}))) << damaged;
-    QTest::newRow("more items than bytes") << wrap(payload(0xFFFFFFFF, line)) << damaged;
-    QTest::newRow("fewer items than written") << wrap(payload(0, line)) << damaged;
-    QTest::newRow("more elements than bytes")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}}, 0x7FFFFFFF))) << damaged;
-    QTest::newRow("shape without elements") << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {}))) << damaged;
-    QTest::newRow("path starting with a line")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{1, 0, 0}, {1, 1, 1}}))) << damaged;
-    QTest::newRow("curve without its control points")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {2, 1, 1}, {1, 2, 2}}))) << damaged;
-    QTest::newRow("control point alone")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {3, 1, 1}}))) << damaged;
-    QTest::newRow("unknown element type")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {9, 1, 1}}))) << damaged;
-    QTest::newRow("coordinate not a number")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {1, std::numeric_limits<double>::quiet_NaN(), 1}})))
-        << damaged;
-    QTest::newRow("infinite coordinate")
-        << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, std::numeric_limits<double>::infinity(), 0}})))
-        << damaged;
-    QTest::newRow("empty group") << wrap(payload(1, groupHeader(0, 0))) << damaged;
-    QTest::newRow("group of another colour than its first member")
-        << wrap(payload(1, groupHeader(0x00FF00, 1) + lineItem(0xFF0000))) << damaged;
-    QByteArray deep;
-    for (int i = 0; i <= CProjectFile::kMaxDepth; ++i)
-        deep += groupHeader(0xFF0000, 1);
-    QTest::newRow("groups nested too deep") << wrap(payload(1, deep + line)) << damaged;
-    QByteArray deepEnough;
-    for (int i = 0; i < CProjectFile::kMaxDepth; ++i)
-        deepEnough += groupHeader(0xFF0000, 1);
-    QTest::newRow("groups nested as deep as allowed are accepted as a control")
-        << wrap(payload(1, deepEnough + line)) << QString();
-    QByteArray noLayers;
-    QDataStream(&noLayers, QIODevice::WriteOnly) << quint32(1);
-    noLayers += line;
-    QTest::newRow("layer stream missing") << wrap(noLayers) << damaged;
-    QByteArray longLayers = noLayers;
-    QDataStream(&longLayers, QIODevice::Append) << quint32(1000) << quint32(0);
-    QTest::newRow("layer stream longer than the payload") << wrap(longLayers) << damaged;
-    QTest::newRow("bytes after the layer stream") << wrap(payload(1, line) + "!") << damaged;
-}
-
-void tst_ProjectFile::refused()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, error);
-
-    CProjectFile project;
-    project.m_items = everyKind();
-    project.m_layers = "before";
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    const bool ok = project.Read(&buffer);
-    if (error.isEmpty()) {
-        QVERIFY2(ok, qPrintable(project.ErrorString()));
-        return;
+private slots:
+    void checksum()
+    {
+        // The check values every CRC-32 implementation publishes.
+        QCOMPARE(CProjectFile::Checksum(QByteArray()), 0u);
+        QCOMPARE(CProjectFile::Checksum("123456789"), 0xCBF43926u);
+        QCOMPARE(CProjectFile::Checksum("The quick brown fox jumps over the lazy dog"), 0x414FA339u);
     }
-    QVERIFY(!ok);
-    QCOMPARE(project.ErrorString(), error);
-    QVERIFY(project.m_items == everyKind());
-    QCOMPARE(project.m_layers, QByteArray("before"));
-}
 
-void tst_ProjectFile::recognisedByMagic_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("project");
+    void roundTrip()
+    {
+        CProjectFile project;
+        project.m_items = everyKind();
+        project.m_layers = QByteArray("\x0e\0\0\0\x02\0\0\0 and the records", 24);
+        const QByteArray bytes = written(project);
+        QVERIFY(bytes.startsWith(CProjectFile::Magic()));
+        CProjectFile read;
+        QVERIFY2(readInto(bytes, &read), qPrintable(read.ErrorString()));
+        QCOMPARE(DrawItemsText(read.m_items), DrawItemsText(project.m_items));
+        QVERIFY(read.m_items == project.m_items);
+        QCOMPARE(read.m_items[3].Path().fillRule(), Qt::WindingFill);
+        QCOMPARE(read.m_layers, project.m_layers);
 
-    QTest::newRow("project") << sampleBytes() << true;
-    QTest::newRow("truncated project keeps its magic") << sampleBytes().left(10) << true;
-    QTest::newRow("svg") << QByteArray("<?xml version=\"1.0\"?><svg/>") << false;
-    QTest::newRow("empty") << QByteArray() << false;
-}
+        // An empty project empties what was read before.
+        QVERIFY(readInto(written(CProjectFile()), &read));
+        QVERIFY(read.m_items.empty());
+        QVERIFY(read.m_layers.isEmpty());
+    }
 
-void tst_ProjectFile::recognisedByMagic()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, project);
+    void refused_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("error");
 
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    QCOMPARE(CProjectFile::LooksLikeProject(&buffer), project);
-    // Peeked: a reader after it still gets the whole file.
-    QCOMPARE(buffer.pos(), qint64(0));
-}
+        const QByteArray good = sampleBytes();
+        const int header = int(CProjectFile::Magic().size()) + 12;
+        const QString notProject = QStringLiteral("The file is not a project of this program.");
+        const QString truncated = QStringLiteral("The project file is truncated.");
+        const QString damaged = QStringLiteral("The project file is damaged.");
+
+        QTest::newRow("empty file") << QByteArray() << notProject;
+        QTest::newRow("an SVG file") << QByteArray("<svg><rect/></svg>") << notProject;
+        QTest::newRow("magic cut short") << good.left(5) << notProject;
+        QTest::newRow("magic mangled to text line ends")
+            << QByteArray(good).replace("\r\n", "\n") << notProject;
+        QTest::newRow("magic only") << good.left(CProjectFile::Magic().size()) << truncated;
+        QTest::newRow("header cut short") << good.left(header - 1) << truncated;
+        QTest::newRow("payload missing") << good.left(header) << truncated;
+        QTest::newRow("payload cut in half") << good.left(header + (good.size() - header) / 2) << truncated;
+        QTest::newRow("last byte missing") << good.left(good.size() - 1) << truncated;
+        QByteArray flipped = good;
+        flipped[header + 20] = char(flipped[header + 20] ^ 0x10);
+        QTest::newRow("a payload byte changed") << flipped << damaged;
+        QByteArray wrongCrc = good;
+        wrongCrc[header - 1] = char(wrongCrc[header - 1] ^ 1);
+        QTest::newRow("checksum changed") << wrongCrc << damaged;
+        QTest::newRow("bytes after the payload") << good + "x" << damaged;
+        QTest::newRow("newer version") << withHeaderField(good, 0, 2)
+                                       << "The project file was written by a newer version of this program.";
+        QTest::newRow("version zero") << withHeaderField(good, 0, 0) << damaged;
+        QTest::newRow("size beyond any project") << withHeaderField(good, 4, 0x7FFFFFFF)
+                                                 << "The project file is too large.";
+
+        // Payloads with a correct checksum that we never write.
+        const QByteArray line = lineItem();
+        QTest::newRow("valid crafted payload is accepted as a control")
+            << wrap(payload(1, line)) << QString();
+        QTest::newRow("unknown kind") << wrap(payload(1, pathItem(7, 0, 0, {{0, 0, 0}}))) << damaged;
+        QTest::newRow("colour above 24 bits")
+            << wrap(payload(1, pathItem(DRAW_LINE, 0x1000000, 0, {{0, 0, 0}, {1, 1, 1}}))) << damaged;
+        QTest::newRow("unknown flags")
+            << wrap(payload(1, pathItem(DRAW_LINE, 0, 4, {{0, 0, 0}, {1, 1, 1}}))) << damaged;
+        QTest::newRow("more items than bytes") << wrap(payload(0xFFFFFFFF, line)) << damaged;
+        QTest::newRow("fewer items than written") << wrap(payload(0, line)) << damaged;
+        QTest::newRow("more elements than bytes")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}}, 0x7FFFFFFF))) << damaged;
+        QTest::newRow("shape without elements") << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {}))) << damaged;
+        QTest::newRow("path starting with a line")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{1, 0, 0}, {1, 1, 1}}))) << damaged;
+        QTest::newRow("curve without its control points")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {2, 1, 1}, {1, 2, 2}}))) << damaged;
+        QTest::newRow("control point alone")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {3, 1, 1}}))) << damaged;
+        QTest::newRow("unknown element type")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {9, 1, 1}}))) << damaged;
+        QTest::newRow("coordinate not a number")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, 0, 0}, {1, std::numeric_limits<double>::quiet_NaN(), 1}})))
+            << damaged;
+        QTest::newRow("infinite coordinate")
+            << wrap(payload(1, pathItem(DRAW_PATH, 0, 0, {{0, std::numeric_limits<double>::infinity(), 0}})))
+            << damaged;
+        QTest::newRow("empty group") << wrap(payload(1, groupHeader(0, 0))) << damaged;
+        QTest::newRow("group of another colour than its first member")
+            << wrap(payload(1, groupHeader(0x00FF00, 1) + lineItem(0xFF0000))) << damaged;
+        const QByteArray deepEnough = groupHeader(0xFF0000, 1).repeated(CProjectFile::kMaxDepth);
+        QTest::newRow("groups nested too deep")
+            << wrap(payload(1, groupHeader(0xFF0000, 1) + deepEnough + line)) << damaged;
+        QTest::newRow("groups nested as deep as allowed are accepted as a control")
+            << wrap(payload(1, deepEnough + line)) << QString();
+        QByteArray noLayers;
+        QDataStream(&noLayers, QIODevice::WriteOnly) << quint32(1);
+        noLayers += line;
+        QTest::newRow("layer stream missing") << wrap(noLayers) << damaged;
+        QByteArray longLayers = noLayers;
+        QDataStream(&longLayers, QIODevice::Append) << quint32(1000) << quint32(0);
+        QTest::newRow("layer stream longer than the payload") << wrap(longLayers) << damaged;
+        QTest::newRow("bytes after the layer stream") << wrap(payload(1, line) + "!") << damaged;
+    }
+
+    void refused()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, error);
+        CProjectFile project;
+        project.m_items = everyKind();
+        project.m_layers = "before";
+        const bool ok = readInto(bytes, &project);
+        if (error.isEmpty()) {
+            QVERIFY2(ok, qPrintable(project.ErrorString()));
+            return;
+        }
+        QVERIFY(!ok);
+        QCOMPARE(project.ErrorString(), error);
+        QVERIFY(project.m_items == everyKind());
+        QCOMPARE(project.m_layers, QByteArray("before"));
+    }
+
+    void recognisedByMagic_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("project");
+        QTest::newRow("project") << sampleBytes() << true;
+        QTest::newRow("truncated project keeps its magic") << sampleBytes().left(10) << true;
+        QTest::newRow("svg") << QByteArray("<?xml version=\"1.0\"?><svg/>") << false;
+        QTest::newRow("empty") << QByteArray() << false;
+    }
+
+    void recognisedByMagic()
+    {
+        QFETCH(QByteArray, bytes);
+        QBuffer buffer;
+        buffer.setData(bytes);
+        buffer.open(QIODevice::ReadOnly);
+        QTEST(CProjectFile::LooksLikeProject(&buffer), "project");
+        // Peeked: a reader after it still gets the whole file.
+        QCOMPARE(buffer.pos(), qint64(0));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_ProjectFile)
 #include "tst_projectfile.moc"
