@@ -8,38 +8,17 @@
 #include <QSignalSpy>
 #include <QTest>
 
-class tst_Drawing : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void shapeListMirrorsItems();
-    void selectAt_data();
-    void selectAt();
-    void selectInRect_data();
-    void selectInRect();
-    void selectionSignalsOnlyOnChange();
-    void deleteSelected();
-    void groupSelected();
-    void groupNeedsTwo();
-    void ungroupSelected();
-    void recolorSelected();
-    void moveSelected();
-    void addItemsSelection_data();
-    void addItemsSelection();
-};
+#include <memory>
 
 namespace {
 
 // Left to right: an outline rectangle, a filled ellipse, a line, an image.
 std::vector<CDrawItem> fourShapes()
 {
-    std::vector<CDrawItem> items;
-    items.push_back(CDrawItem::Rect(QRectF(0, 0, 20, 20), 0x0000AA));
-    items.push_back(CDrawItem::Ellipse(QRectF(30, 0, 20, 20), 0x00AA00, true));
-    items.push_back(CDrawItem::Line(QLineF(60, 10, 80, 10), 0xAA0000));
-    items.push_back(CDrawItem::Image(QRectF(90, 0, 20, 20), 0x00CAFC));
-    return items;
+    return {CDrawItem::Rect(QRectF(0, 0, 20, 20), 0x0000AA),
+            CDrawItem::Ellipse(QRectF(30, 0, 20, 20), 0x00AA00, true),
+            CDrawItem::Line(QLineF(60, 10, 80, 10), 0xAA0000),
+            CDrawItem::Image(QRectF(90, 0, 20, 20), 0x00CAFC)};
 }
 
 // What the plug-in is shown: "colour/kind", "*" when selected, members in brackets.
@@ -76,219 +55,185 @@ QString selectionText(const CDrawing &drawing)
 
 } // namespace
 
-void tst_Drawing::shapeListMirrorsItems()
+class tst_Drawing : public QObject
 {
-    CDrawing drawing;
-    std::vector<CDrawItem> items = fourShapes();
-    QPainterPath glyph;
-    glyph.addRect(0, 0, 1, 1);
-    items.push_back(CDrawItem(DRAW_TEXT, 0x000000, glyph, true));
-    std::vector<CDrawItem> members;
-    members.push_back(CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x2431BD));
-    members.push_back(CDrawItem::Line(QLineF(0, 0, 1, 1), 0xF48244));
-    items.push_back(CDrawItem::Group(std::move(members)));
-    drawing.SetItems(std::move(items));
-    QCOMPARE(shapesText(drawing), QStringLiteral("0000aa/1; 00aa00/1; aa0000/1; 00cafc/0; 000000/2; "
-                                                 "2431bd/3 [2431bd/1, f48244/1]"));
-    drawing.Clear();
-    QCOMPARE(drawing.ShapeList()->GetCount(), 0);
-}
+    Q_OBJECT
 
-void tst_Drawing::selectAt_data()
-{
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<bool>("extend");
-    QTest::addColumn<QString>("selected");
-    QTest::addColumn<QString>("shapes");
+    std::unique_ptr<CDrawing> m_drawing;
+    void pick(qreal x, bool extend = false) { m_drawing->SelectAt(QPointF(x, 10), 1.0, extend); }
+    QString items() const { return DrawItemsText(m_drawing->Items()); }
 
-    const QString none = QStringLiteral("0000aa/1; 00aa00/1; aa0000/1; 00cafc/0");
-    // The second shape starts selected.
-    QTest::newRow("outline of the rectangle") << QPointF(0.3, 10) << false << "0"
-                                              << "0000aa/1*; 00aa00/1; aa0000/1; 00cafc/0";
-    QTest::newRow("inside an outline is a miss") << QPointF(10, 10) << false << "" << none;
-    QTest::newRow("inside a filled shape") << QPointF(40, 10) << false << "1"
-                                           << "0000aa/1; 00aa00/1*; aa0000/1; 00cafc/0";
-    QTest::newRow("near the line") << QPointF(70, 10.8) << false << "2"
-                                   << "0000aa/1; 00aa00/1; aa0000/1*; 00cafc/0";
-    QTest::newRow("beside the line") << QPointF(70, 13) << false << "" << none;
-    QTest::newRow("inside the image") << QPointF(100, 10) << false << "3"
-                                      << "0000aa/1; 00aa00/1; aa0000/1; 00cafc/0*";
-    QTest::newRow("shift adds") << QPointF(100, 10) << true << "1,3"
-                                << "0000aa/1; 00aa00/1*; aa0000/1; 00cafc/0*";
-    QTest::newRow("shift on a selected shape takes it out") << QPointF(40, 10) << true << "" << none;
-    QTest::newRow("shift on nothing keeps the selection") << QPointF(200, 200) << true << "1"
-                                                          << "0000aa/1; 00aa00/1*; aa0000/1; 00cafc/0";
-}
+private slots:
+    void init()
+    {
+        m_drawing = std::make_unique<CDrawing>();
+        m_drawing->SetItems(fourShapes());
+    }
 
-void tst_Drawing::selectAt()
-{
-    QFETCH(QPointF, point);
-    QFETCH(bool, extend);
-    QFETCH(QString, selected);
-    QFETCH(QString, shapes);
+    void shapeListMirrorsItems()
+    {
+        std::vector<CDrawItem> items = fourShapes();
+        QPainterPath glyph;
+        glyph.addRect(0, 0, 1, 1);
+        items.push_back(CDrawItem(DRAW_TEXT, 0x000000, glyph, true));
+        items.push_back(CDrawItem::Group({CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x2431BD),
+                                          CDrawItem::Line(QLineF(0, 0, 1, 1), 0xF48244)}));
+        m_drawing->SetItems(std::move(items));
+        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00aa00/1; aa0000/1; 00cafc/0; 000000/2; "
+                                                        "2431bd/3 [2431bd/1, f48244/1]"));
+        m_drawing->Clear();
+        QCOMPARE(m_drawing->ShapeList()->GetCount(), 0);
+    }
 
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    drawing.SelectAt(point, 1.0, extend);
-    QCOMPARE(selectionText(drawing), selected);
-    QCOMPARE(shapesText(drawing), shapes);
-}
+    void selectAt_data()
+    {
+        QTest::addColumn<QPointF>("point");
+        QTest::addColumn<bool>("extend");
+        QTest::addColumn<QString>("selected");
+        // The second shape starts selected.
+        QTest::newRow("outline of the rectangle") << QPointF(0.3, 10) << false << "0";
+        QTest::newRow("inside an outline is a miss") << QPointF(10, 10) << false << "";
+        QTest::newRow("inside a filled shape") << QPointF(40, 10) << false << "1";
+        QTest::newRow("near the line") << QPointF(70, 10.8) << false << "2";
+        QTest::newRow("beside the line") << QPointF(70, 13) << false << "";
+        QTest::newRow("inside the image") << QPointF(100, 10) << false << "3";
+        QTest::newRow("shift adds") << QPointF(100, 10) << true << "1,3";
+        QTest::newRow("shift on a selected shape takes it out") << QPointF(40, 10) << true << "";
+        QTest::newRow("shift on nothing keeps the selection") << QPointF(200, 200) << true << "1";
+    }
 
-void tst_Drawing::selectInRect_data()
-{
-    QTest::addColumn<QRectF>("band");
-    QTest::addColumn<QString>("selected");
+    void selectAt()
+    {
+        QFETCH(QPointF, point);
+        QFETCH(bool, extend);
+        QFETCH(QString, selected);
+        pick(40);
+        m_drawing->SelectAt(point, 1.0, extend);
+        QCOMPARE(selectionText(*m_drawing), selected);
+        // The plug-in's shapes carry the same selection.
+        QStringList shapes{"0000aa/1", "00aa00/1", "aa0000/1", "00cafc/0"};
+        for (const QString &index : selected.split(QLatin1Char(','), Qt::SkipEmptyParts))
+            shapes[index.toInt()] += QLatin1Char('*');
+        QCOMPARE(shapesText(*m_drawing), shapes.join(QStringLiteral("; ")));
+    }
 
-    QTest::newRow("around everything") << QRectF(-1, -1, 200, 30) << "0,1,2,3";
-    QTest::newRow("drawn right to left") << QRectF(52, 21, -30, -22) << "1";
-    QTest::newRow("a line lies inside a flat band") << QRectF(59, 9, 22, 2) << "2";
-    QTest::newRow("half of a shape is not enough") << QRectF(-1, -1, 11, 30) << "";
-    QTest::newRow("empty band") << QRectF(500, 500, 10, 10) << "";
-}
+    void selectInRect_data()
+    {
+        QTest::addColumn<QRectF>("band");
+        QTest::addColumn<QString>("selected");
+        QTest::newRow("around everything") << QRectF(-1, -1, 200, 30) << "0,1,2,3";
+        QTest::newRow("drawn right to left") << QRectF(52, 21, -30, -22) << "1";
+        QTest::newRow("a line lies inside a flat band") << QRectF(59, 9, 22, 2) << "2";
+        QTest::newRow("half of a shape is not enough") << QRectF(-1, -1, 11, 30) << "";
+        QTest::newRow("empty band") << QRectF(500, 500, 10, 10) << "";
+    }
 
-void tst_Drawing::selectInRect()
-{
-    QFETCH(QRectF, band);
-    QFETCH(QString, selected);
+    void selectInRect()
+    {
+        QFETCH(QRectF, band);
+        pick(100);
+        m_drawing->SelectInRect(band, false);
+        QTEST(selectionText(*m_drawing), "selected");
+    }
 
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(100, 10), 1.0, false);
-    drawing.SelectInRect(band, false);
-    QCOMPARE(selectionText(drawing), selected);
-}
+    void signalsOnlyOnChange()
+    {
+        QSignalSpy selection(m_drawing.get(), &CDrawing::SigSelectionChanged);
+        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
+        QCOMPARE(m_drawing->DeleteSelected(), 0);
+        QVERIFY(!m_drawing->GroupSelected());
+        pick(40);
+        pick(40);
+        QCOMPARE(selection.count(), 1);
+        QVERIFY(!m_drawing->GroupSelected());
+        QCOMPARE(m_drawing->Count(), 4);
+        m_drawing->MoveSelected(QPointF());
+        m_drawing->ClearSelection();
+        m_drawing->ClearSelection();
+        QCOMPARE(selection.count(), 2);
+        m_drawing->SelectAll();
+        QCOMPARE(selection.count(), 3);
+        QCOMPARE(changed.count(), 0);
+    }
 
-void tst_Drawing::selectionSignalsOnlyOnChange()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    QSignalSpy selection(&drawing, &CDrawing::SigSelectionChanged);
-    QSignalSpy changed(&drawing, &CDrawing::SigChanged);
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    QCOMPARE(selection.count(), 1);
-    drawing.ClearSelection();
-    drawing.ClearSelection();
-    QCOMPARE(selection.count(), 2);
-    drawing.SelectAll();
-    QCOMPARE(selection.count(), 3);
-    QCOMPARE(changed.count(), 0);
-}
+    void deleteSelected()
+    {
+        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
+        pick(40);
+        pick(70, true);
+        QCOMPARE(m_drawing->DeleteSelected(), 2);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00cafc/0"));
+        QCOMPARE(selectionText(*m_drawing), QString());
+    }
 
-void tst_Drawing::deleteSelected()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    QSignalSpy changed(&drawing, &CDrawing::SigChanged);
-    QCOMPARE(drawing.DeleteSelected(), 0);
-    QCOMPARE(changed.count(), 0);
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    drawing.SelectAt(QPointF(70, 10), 1.0, true);
-    QCOMPARE(drawing.DeleteSelected(), 2);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(shapesText(drawing), QStringLiteral("0000aa/1; 00cafc/0"));
-    QCOMPARE(selectionText(drawing), QString());
-}
+    void groupAndUngroup()
+    {
+        // Picked last to first: the group still follows drawing order.
+        pick(100);
+        pick(40, true);
+        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
+        QVERIFY(m_drawing->GroupSelected());
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(items(), QStringLiteral("rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; "
+                                         "line #aa0000"));
+        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00aa00/3* [00aa00/1, 00cafc/0]; aa0000/1"));
+        QCOMPARE(selectionText(*m_drawing), QStringLiteral("1"));
+        // A click on any member picks the group.
+        pick(100);
+        QCOMPARE(selectionText(*m_drawing), QStringLiteral("1"));
 
-void tst_Drawing::groupSelected()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    // Picked last to first: the group still follows drawing order.
-    drawing.SelectAt(QPointF(100, 10), 1.0, false);
-    drawing.SelectAt(QPointF(40, 10), 1.0, true);
-    QSignalSpy changed(&drawing, &CDrawing::SigChanged);
-    QVERIFY(drawing.GroupSelected());
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(DrawItemsText(drawing.Items()),
-             QStringLiteral("rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000"));
-    QCOMPARE(shapesText(drawing), QStringLiteral("0000aa/1; 00aa00/3* [00aa00/1, 00cafc/0]; aa0000/1"));
-    QCOMPARE(selectionText(drawing), QStringLiteral("1"));
-    // A click on any member picks the group.
-    drawing.SelectAt(QPointF(100, 10), 1.0, false);
-    QCOMPARE(selectionText(drawing), QStringLiteral("1"));
-}
+        pick(0.2, true);
+        pick(70, true);
+        QCOMPARE(m_drawing->UngroupSelected(), 1);
+        QCOMPARE(items(), QStringLiteral("rect #0000aa; ellipse #00aa00 fill; image #00cafc fill; line #aa0000"));
+        QCOMPARE(selectionText(*m_drawing), QStringLiteral("0,1,2,3"));
+        QCOMPARE(m_drawing->UngroupSelected(), 0);
+    }
 
-void tst_Drawing::groupNeedsTwo()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    QSignalSpy changed(&drawing, &CDrawing::SigChanged);
-    QVERIFY(!drawing.GroupSelected());
-    QCOMPARE(changed.count(), 0);
-    QCOMPARE(drawing.Count(), 4);
-}
+    void recolorSelected()
+    {
+        pick(0.2);
+        pick(70, true);
+        m_drawing->GroupSelected();
+        pick(100, true);
+        QCOMPARE(m_drawing->RecolorSelected(0xF48244), 2);
+        QCOMPARE(items(), QStringLiteral("group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; "
+                                         "image #f48244 fill"));
+        QCOMPARE(shapesText(*m_drawing), QStringLiteral("f48244/3* [f48244/1, f48244/1]; 00aa00/1; f48244/0*"));
+    }
 
-void tst_Drawing::ungroupSelected()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(0.2, 10), 1.0, false);
-    drawing.SelectAt(QPointF(40, 10), 1.0, true);
-    QVERIFY(drawing.GroupSelected());
-    drawing.SelectAt(QPointF(70, 10), 1.0, true);
-    QCOMPARE(drawing.UngroupSelected(), 1);
-    QCOMPARE(DrawItemsText(drawing.Items()),
-             QStringLiteral("rect #0000aa; ellipse #00aa00 fill; line #aa0000; image #00cafc fill"));
-    QCOMPARE(selectionText(drawing), QStringLiteral("0,1,2"));
-    QCOMPARE(drawing.UngroupSelected(), 0);
-}
+    void moveSelected()
+    {
+        pick(40);
+        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
+        m_drawing->MoveSelected(QPointF(5, -2.5));
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(BoundsText(m_drawing->ItemAt(1).Bounds()), QStringLiteral("35,-2.5 20x20"));
+        QCOMPARE(BoundsText(m_drawing->ItemAt(0).Bounds()), QStringLiteral("0,0 20x20"));
+        m_drawing->MoveSelected(QPointF());
+        QCOMPARE(changed.count(), 1);
+    }
 
-void tst_Drawing::recolorSelected()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(0.2, 10), 1.0, false);
-    drawing.SelectAt(QPointF(70, 10), 1.0, true);
-    drawing.GroupSelected();
-    drawing.SelectAt(QPointF(100, 10), 1.0, true);
-    QCOMPARE(drawing.RecolorSelected(0xF48244), 2);
-    QCOMPARE(DrawItemsText(drawing.Items()),
-             QStringLiteral("group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; image #f48244 fill"));
-    QCOMPARE(shapesText(drawing), QStringLiteral("f48244/3* [f48244/1, f48244/1]; 00aa00/1; f48244/0*"));
-}
+    void addItemsSelection_data()
+    {
+        QTest::addColumn<bool>("select");
+        QTest::addColumn<QString>("selected");
+        QTest::newRow("imported shapes are selected") << true << "4,5";
+        QTest::newRow("drawn shapes are not") << false << "";
+    }
 
-void tst_Drawing::moveSelected()
-{
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    QSignalSpy changed(&drawing, &CDrawing::SigChanged);
-    drawing.MoveSelected(QPointF(5, -2.5));
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(BoundsText(drawing.ItemAt(1).Bounds()), QStringLiteral("35,-2.5 20x20"));
-    QCOMPARE(BoundsText(drawing.ItemAt(0).Bounds()), QStringLiteral("0,0 20x20"));
-    drawing.MoveSelected(QPointF());
-    QCOMPARE(changed.count(), 1);
-}
-
-void tst_Drawing::addItemsSelection_data()
-{
-    QTest::addColumn<bool>("select");
-    QTest::addColumn<QString>("selected");
-
-    QTest::newRow("imported shapes are selected") << true << "4,5";
-    QTest::newRow("drawn shapes are not") << false << "";
-}
-
-void tst_Drawing::addItemsSelection()
-{
-    QFETCH(bool, select);
-    QFETCH(QString, selected);
-
-    CDrawing drawing;
-    drawing.SetItems(fourShapes());
-    drawing.SelectAt(QPointF(40, 10), 1.0, false);
-    std::vector<CDrawItem> more;
-    more.push_back(CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111));
-    more.push_back(CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222));
-    drawing.AddItems(std::move(more), select);
-    QCOMPARE(selectionText(drawing), selected);
-    QCOMPARE(drawing.ShapeList()->GetCount(), 6);
-    QCOMPARE(drawing.ShapeList()->GetShape(5)->IsSelected(), select);
-}
+    void addItemsSelection()
+    {
+        QFETCH(bool, select);
+        pick(40);
+        m_drawing->AddItems({CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111), CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222)},
+                            select);
+        QTEST(selectionText(*m_drawing), "selected");
+        QCOMPARE(m_drawing->ShapeList()->GetCount(), 6);
+        QCOMPARE(m_drawing->ShapeList()->GetShape(5)->IsSelected(), select);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_Drawing)
 #include "tst_drawing.moc"
