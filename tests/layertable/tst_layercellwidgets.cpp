@@ -16,6 +16,8 @@
 #include <QTest>
 #include <QWheelEvent>
 
+#include <memory>
+
 using namespace paneltest;
 
 namespace {
@@ -44,6 +46,11 @@ struct TableWithCell
     QTableWidget table;
 };
 
+QWidget *comboCell(bool air)
+{
+    return air ? static_cast<QWidget *>(new CLayerAir) : new CLayerModeWidget;
+}
+
 void turnWheel(QWidget *target, int delta)
 {
     const QPointF pos(target->width() / 2.0, target->height() / 2.0);
@@ -59,321 +66,280 @@ class tst_LayerCellWidgets : public QObject
     Q_OBJECT
 
 private slots:
-    void numberButton_data();
-    void numberButton();
-    void numberButtonDoubleClick();
-    void modeLists_data();
-    void modeLists();
-    void modeLanguageChangeKeepsChoice();
-    void airLanguageChangeKeepsChoice();
-    void wheelScrollsTableNotValue_data();
-    void wheelScrollsTableNotValue();
-    void pressOnComboSelectsRow();
-    void lineEditShownText_data();
-    void lineEditShownText();
-    void lineEditFillsNarrowCell();
-    void lineEditPresses_data();
-    void lineEditPresses();
-    void lineEditRefusesOutOfRange_data();
-    void lineEditRefusesOutOfRange();
-};
-
-void tst_LayerCellWidgets::numberButton_data()
-{
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QString>("letter");
-    QTest::addColumn<QString>("ink");
-
-    const QString black = QStringLiteral("0,0,0");
-    const QString white = QStringLiteral("255,255,255");
-    QTest::newRow("black layer") << 1 << "A" << white;
-    QTest::newRow("4 white") << 4 << "D" << white;
-    QTest::newRow("5 first black") << 5 << "E" << black;
-    QTest::newRow("11 last of first black run") << 11 << "K" << black;
-    QTest::newRow("12 deliberately white") << 12 << "L" << white;
-    QTest::newRow("13 black again") << 13 << "M" << black;
-    QTest::newRow("16 last black") << 16 << "P" << black;
-    QTest::newRow("17 white") << 17 << "Q" << white;
-    QTest::newRow("26 last capital") << 26 << "Z" << white;
-    QTest::newRow("27 first small letter") << 27 << "a" << white;
-    QTest::newRow("52 last small letter") << 52 << "z" << white;
-    QTest::newRow("53 Roman one") << 53 << "I" << white;
-    QTest::newRow("56 Roman four") << 56 << "IV" << white;
-    QTest::newRow("61 Roman nine") << 61 << "IX" << white;
-    QTest::newRow("Roman 1994") << 52 + 1994 << "MCMXCIV" << white;
-    QTest::newRow("garbage zero") << 0 << "" << white;
-    QTest::newRow("garbage negative") << -1 << "" << white;
-    QTest::newRow("garbage huge shows digits") << 2000000052 << "2000000000" << white;
-}
-
-void tst_LayerCellWidgets::numberButton()
-{
-    QFETCH(int, number);
-    QFETCH(QString, letter);
-    QFETCH(QString, ink);
-    TestEnvironment env;
-    CLayerNumberWidget widget;
-    widget.SetColor(11, 0, 255, QStringLiteral("07"), number);
-
-    auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
-    auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
-    QVERIFY(button && label);
-    QCOMPARE(button->text(), letter);
-    QCOMPARE(widget.ButtonText(), letter);
-    QCOMPARE(button->styleSheet(),
-             QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}").arg(ink));
-    QCOMPARE(button->toolTip(), QStringLiteral("07"));
-    QCOMPARE(label->text(), QStringLiteral("07"));
-    QCOMPARE(label->toolTip(), QStringLiteral("07"));
-    QVERIFY(button->testAttribute(Qt::WA_StyledBackground));
-}
-
-void tst_LayerCellWidgets::numberButtonDoubleClick()
-{
-    TestEnvironment env;
-    CLayerNumberWidget widget;
-    widget.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&widget));
-    auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
-    QSignalSpy doubleClicked(&widget, &CLayerNumberWidget::ButtonDoubleClicked);
-    QTest::mouseClick(button, Qt::LeftButton);
-    QCOMPARE(doubleClicked.count(), 0);
-    QTest::mouseDClick(button, Qt::LeftButton);
-    QCOMPARE(doubleClicked.count(), 1);
-}
-
-void tst_LayerCellWidgets::modeLists_data()
-{
-    QTest::addColumn<bool>("fillOnly");
-    QTest::addColumn<QStringList>("items");
-    QTest::addColumn<QList<int>>("workTypes");
-
-    QTest::newRow("every mode") << false
-                                << QStringList{"Cutting", "Scoring", "Shallow Engrave",
-                                               "Deep Engrave", "Mark"}
-                                << QList<int>{0, 1, 2, 3, 4};
-    QTest::newRow("fill only") << true << QStringList{"Shallow Engrave", "Deep Engrave"}
-                               << QList<int>{2, 3};
-}
-
-void tst_LayerCellWidgets::modeLists()
-{
-    QFETCH(bool, fillOnly);
-    QFETCH(QStringList, items);
-    QFETCH(QList<int>, workTypes);
-    TestEnvironment env;
-    CLayerModeWidget widget;
-    auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
-    QVERIFY(combo);
-    QCOMPARE(itemsOf(combo).size(), 5);
-
-    widget.BuildList(fillOnly);
-    QCOMPARE(itemsOf(combo), items);
-    QCOMPARE(widget.FillOnly(), fillOnly);
-    for (int i = 0; i < workTypes.size(); ++i)
-        QCOMPARE(widget.WorkTypeAt(i), workTypes.at(i));
-
-    QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
-    widget.SetCurrentText(items.last());
-    QCOMPARE(widget.CurrentIndex(), items.size() - 1);
-    QCOMPARE(changed.count(), 1);
-    QCOMPARE(changed.takeFirst().at(0).toInt(), items.size() - 1);
-}
-
-void tst_LayerCellWidgets::modeLanguageChangeKeepsChoice()
-{
-    TestEnvironment env;
-    CLayerModeWidget widget;
-    widget.BuildList(true);
-    widget.SetCurrentText(QStringLiteral("Deep Engrave"));
-    QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
+    void numberButton_data()
     {
-        LanguageGuard chinese(QStringLiteral("Chs"));
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("letter");
+        QTest::addColumn<bool>("blackInk");
+        QTest::newRow("black layer") << 1 << "A" << false;
+        QTest::newRow("4 white") << 4 << "D" << false;
+        QTest::newRow("5 first black") << 5 << "E" << true;
+        QTest::newRow("11 last of first black run") << 11 << "K" << true;
+        QTest::newRow("12 deliberately white") << 12 << "L" << false;
+        QTest::newRow("13 black again") << 13 << "M" << true;
+        QTest::newRow("16 last black") << 16 << "P" << true;
+        QTest::newRow("17 white") << 17 << "Q" << false;
+        QTest::newRow("26 last capital") << 26 << "Z" << false;
+        QTest::newRow("27 first small letter") << 27 << "a" << false;
+        QTest::newRow("52 last small letter") << 52 << "z" << false;
+        QTest::newRow("53 Roman one") << 53 << "I" << false;
+        QTest::newRow("56 Roman four") << 56 << "IV" << false;
+        QTest::newRow("61 Roman nine") << 61 << "IX" << false;
+        QTest::newRow("Roman 1994") << 52 + 1994 << "MCMXCIV" << false;
+        QTest::newRow("garbage zero") << 0 << "" << false;
+        QTest::newRow("garbage negative") << -1 << "" << false;
+        QTest::newRow("garbage huge shows digits") << 2000000052 << "2000000000" << false;
+    }
+
+    void numberButton()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, letter);
+        QFETCH(bool, blackInk);
+        TestEnvironment env;
+        CLayerNumberWidget widget;
+        widget.SetColor(11, 0, 255, QStringLiteral("07"), number);
+        auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
+        auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
+        QVERIFY(button && label);
+        QCOMPARE(button->text(), letter);
+        QCOMPARE(widget.ButtonText(), letter);
+        QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}")
+                                           .arg(blackInk ? "0,0,0" : "255,255,255"));
+        QCOMPARE(button->toolTip(), QStringLiteral("07"));
+        QCOMPARE(label->text(), QStringLiteral("07"));
+        QCOMPARE(label->toolTip(), QStringLiteral("07"));
+        QVERIFY(button->testAttribute(Qt::WA_StyledBackground));
+    }
+
+    void numberButtonDoubleClick()
+    {
+        TestEnvironment env;
+        CLayerNumberWidget widget;
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
+        QSignalSpy doubleClicked(&widget, &CLayerNumberWidget::ButtonDoubleClicked);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(doubleClicked.count(), 0);
+        QTest::mouseDClick(button, Qt::LeftButton);
+        QCOMPARE(doubleClicked.count(), 1);
+    }
+
+    void modeLists_data()
+    {
+        QTest::addColumn<bool>("fillOnly");
+        QTest::addColumn<QStringList>("items");
+        QTest::addColumn<QList<int>>("workTypes");
+        QTest::newRow("every mode") << false
+                                    << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
+                                    << QList<int>{0, 1, 2, 3, 4};
+        QTest::newRow("fill only") << true << QStringList{"Shallow Engrave", "Deep Engrave"} << QList<int>{2, 3};
+    }
+
+    void modeLists()
+    {
+        QFETCH(bool, fillOnly);
+        QFETCH(QStringList, items);
+        QFETCH(QList<int>, workTypes);
+        TestEnvironment env;
+        CLayerModeWidget widget;
         auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
-        QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("浅雕"), QStringLiteral("深雕")}));
-        QCOMPARE(widget.CurrentText(), QStringLiteral("深雕"));
-        QCOMPARE(widget.CurrentIndex(), 1);
+        QVERIFY(combo);
+        QCOMPARE(itemsOf(combo).size(), 5);
+        widget.BuildList(fillOnly);
+        QCOMPARE(itemsOf(combo), items);
+        QCOMPARE(widget.FillOnly(), fillOnly);
+        for (int i = 0; i < workTypes.size(); ++i)
+            QCOMPARE(widget.WorkTypeAt(i), workTypes.at(i));
+        QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
+        widget.SetCurrentText(items.last());
+        QCOMPARE(widget.CurrentIndex(), items.size() - 1);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(changed.takeFirst().at(0).toInt(), items.size() - 1);
     }
-    QCOMPARE(widget.CurrentText(), QStringLiteral("Deep Engrave"));
-    QCOMPARE(changed.count(), 0);
-}
 
-void tst_LayerCellWidgets::airLanguageChangeKeepsChoice()
-{
-    TestEnvironment env;
-    CLayerAir widget;
-    auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_air"));
-    QVERIFY(combo);
-    QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("High"), QStringLiteral("Low")}));
-    widget.SetCurrentText(QStringLiteral("Low"));
-    QCOMPARE(widget.CurrentIndex(), 1);
-    QSignalSpy changed(&widget, &CLayerAir::currentIndexChanged);
+    void languageChangeKeepsChoice_data()
     {
-        LanguageGuard chinese(QStringLiteral("Chs"));
-        QCOMPARE(itemsOf(combo), (QStringList{QStringLiteral("强"), QStringLiteral("弱")}));
-        QCOMPARE(widget.CurrentText(), QStringLiteral("弱"));
+        QTest::addColumn<bool>("air");
+        QTest::addColumn<QStringList>("english");
+        QTest::addColumn<QStringList>("chinese");
+        QTest::newRow("fill modes") << false << QStringList{"Shallow Engrave", "Deep Engrave"}
+                                    << QStringList{"浅雕", "深雕"};
+        QTest::newRow("air") << true << QStringList{"High", "Low"} << QStringList{"强", "弱"};
     }
-    QCOMPARE(changed.count(), 0);
-}
 
-void tst_LayerCellWidgets::wheelScrollsTableNotValue_data()
-{
-    QTest::addColumn<bool>("air");
-    QTest::newRow("mode") << false;
-    QTest::newRow("air") << true;
-}
+    void languageChangeKeepsChoice()
+    {
+        QFETCH(bool, air);
+        QFETCH(QStringList, english);
+        QFETCH(QStringList, chinese);
+        TestEnvironment env;
+        std::unique_ptr<QWidget> cell(comboCell(air));
+        if (!air)
+            static_cast<CLayerModeWidget *>(cell.get())->BuildList(true);
+        auto *combo = cell->findChild<QComboBox *>(air ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
+        QVERIFY(combo);
+        QCOMPARE(itemsOf(combo), english);
+        combo->setCurrentText(english.at(1));
+        QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
+        {
+            LanguageGuard guard(QStringLiteral("Chs"));
+            QCOMPARE(itemsOf(combo), chinese);
+            QCOMPARE(combo->currentIndex(), 1);
+        }
+        QCOMPARE(combo->currentText(), english.at(1));
+        QCOMPARE(changed.count(), 0);
+    }
 
-void tst_LayerCellWidgets::wheelScrollsTableNotValue()
-{
-    QFETCH(bool, air);
-    TestEnvironment env;
-    QWidget *cell = air ? static_cast<QWidget *>(new CLayerAir) : new CLayerModeWidget;
-    TableWithCell fixture(cell);
-    auto *combo = cell->findChild<QComboBox *>();
-    QVERIFY(combo);
-    combo->setCurrentIndex(1);
-    QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
-    QScrollBar *bar = fixture.table.verticalScrollBar();
-    const int before = bar->value();
-    QVERIFY(before > 0);
+    void wheelScrollsTableNotValue_data()
+    {
+        QTest::addColumn<bool>("air");
+        QTest::newRow("mode") << false;
+        QTest::newRow("air") << true;
+    }
 
-    turnWheel(combo, -120);
-    QCOMPARE(combo->currentIndex(), 1);
-    QCOMPARE(changed.count(), 0);
-    QVERIFY2(bar->value() > before, "scrolling down over the cell moves the table");
+    void wheelScrollsTableNotValue()
+    {
+        QFETCH(bool, air);
+        TestEnvironment env;
+        QWidget *cell = comboCell(air);
+        TableWithCell fixture(cell);
+        auto *combo = cell->findChild<QComboBox *>();
+        QVERIFY(combo);
+        combo->setCurrentIndex(1);
+        QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
+        QScrollBar *bar = fixture.table.verticalScrollBar();
+        const int before = bar->value();
+        QVERIFY(before > 0);
+        turnWheel(combo, -120);
+        QCOMPARE(combo->currentIndex(), 1);
+        QCOMPARE(changed.count(), 0);
+        QVERIFY2(bar->value() > before, "scrolling down over the cell moves the table");
+        const int lower = bar->value();
+        turnWheel(combo, 120);
+        QCOMPARE(combo->currentIndex(), 1);
+        QVERIFY(bar->value() < lower);
+    }
 
-    const int lower = bar->value();
-    turnWheel(combo, 120);
-    QCOMPARE(combo->currentIndex(), 1);
-    QVERIFY(bar->value() < lower);
-}
+    void pressesSelectRow_data()
+    {
+        QTest::addColumn<bool>("onCombo");
+        QTest::addColumn<int>("button");
+        QTest::addColumn<int>("rightClicks");
+        QTest::newRow("combo") << true << int(Qt::LeftButton) << 0;
+        QTest::newRow("line edit, right") << false << int(Qt::RightButton) << 1;
+        QTest::newRow("line edit, left") << false << int(Qt::LeftButton) << 0;
+    }
 
-void tst_LayerCellWidgets::pressOnComboSelectsRow()
-{
-    TestEnvironment env;
-    auto *cell = new CLayerModeWidget;
-    TableWithCell fixture(cell, 3);
-    fixture.table.selectRow(0);
-    auto *combo = cell->findChild<QComboBox *>();
-    QTest::mousePress(combo, Qt::LeftButton);
-    combo->hidePopup();
-    QTest::mouseRelease(combo, Qt::LeftButton);
-    QCOMPARE(fixture.table.currentRow(), 3);
-    QVERIFY(fixture.table.selectionModel()->isRowSelected(3, QModelIndex()));
-}
+    void pressesSelectRow()
+    {
+        QFETCH(bool, onCombo);
+        QFETCH(int, button);
+        TestEnvironment env;
+        QWidget *cell = onCombo ? static_cast<QWidget *>(new CLayerModeWidget) : new CLayerLineEditWidget;
+        TableWithCell fixture(cell, 3);
+        fixture.table.selectRow(0);
+        if (auto *edit = qobject_cast<CLayerLineEditWidget *>(cell)) {
+            QSignalSpy right(edit, &CLayerLineEditWidget::rightButtonClicked);
+            QTest::mousePress(edit->findChild<QLineEdit *>(), Qt::MouseButton(button));
+            QTEST(int(right.count()), "rightClicks");
+        } else {
+            auto *combo = cell->findChild<QComboBox *>();
+            QTest::mousePress(combo, Qt::LeftButton);
+            combo->hidePopup();
+            QTest::mouseRelease(combo, Qt::LeftButton);
+        }
+        QCOMPARE(fixture.table.currentRow(), 3);
+        QVERIFY(fixture.table.selectionModel()->isRowSelected(3, QModelIndex()));
+    }
 
-void tst_LayerCellWidgets::lineEditShownText_data()
-{
-    QTest::addColumn<int>("decimals");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<double>("value");
+    void lineEditShownText_data()
+    {
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<double>("value");
+        QTest::newRow("one decimal") << 1 << "12.345" << "12.3" << 12.3;
+        QTest::newRow("no decimals") << 0 << "12.345" << "12" << 12.0;
+        QTest::newRow("half rounds up") << 0 << "12.5" << "13" << 13.0;
+        QTest::newRow("integer padded") << 1 << "20" << "20.0" << 20.0;
+        QTest::newRow("slash as is") << 0 << "/" << "/" << 0.0;
+        QTest::newRow("no validator leaves text") << -1 << "12.345" << "12.345" << 12.345;
+        QTest::newRow("garbage text as is") << 1 << "abc" << "abc" << 0.0;
+        QTest::newRow("garbage huge number") << 0 << "1e300" << QString::number(1e300, 'f', 0) << 1e300;
+    }
 
-    QTest::newRow("one decimal") << 1 << "12.345" << "12.3" << 12.3;
-    QTest::newRow("no decimals") << 0 << "12.345" << "12" << 12.0;
-    QTest::newRow("half rounds up") << 0 << "12.5" << "13" << 13.0;
-    QTest::newRow("integer padded") << 1 << "20" << "20.0" << 20.0;
-    QTest::newRow("slash as is") << 0 << "/" << "/" << 0.0;
-    QTest::newRow("no validator leaves text") << -1 << "12.345" << "12.345" << 12.345;
-    QTest::newRow("garbage text as is") << 1 << "abc" << "abc" << 0.0;
-    QTest::newRow("garbage huge number") << 0 << "1e300" << QString::number(1e300, 'f', 0) << 1e300;
-}
+    void lineEditShownText()
+    {
+        QFETCH(int, decimals);
+        QFETCH(QString, text);
+        QFETCH(QString, shown);
+        TestEnvironment env;
+        CLayerLineEditWidget widget;
+        if (decimals >= 0)
+            widget.SetRange(0.0, 3000.0, decimals, QLocale::C);
+        widget.SetText(text);
+        auto *edit = widget.findChild<QLineEdit *>();
+        QCOMPARE(edit->text(), shown);
+        QCOMPARE(widget.Text(), shown);
+        QTEST(widget.Value(), "value");
+        QCOMPARE(edit->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
+        QCOMPARE(edit->contextMenuPolicy(), Qt::NoContextMenu);
+    }
 
-void tst_LayerCellWidgets::lineEditShownText()
-{
-    QFETCH(int, decimals);
-    QFETCH(QString, text);
-    QFETCH(QString, shown);
-    QFETCH(double, value);
-    TestEnvironment env;
-    CLayerLineEditWidget widget;
-    if (decimals >= 0)
-        widget.SetRange(0.0, 3000.0, decimals, QLocale::C);
-    widget.SetText(text);
-    auto *edit = widget.findChild<QLineEdit *>();
-    QCOMPARE(edit->text(), shown);
-    QCOMPARE(widget.Text(), shown);
-    QCOMPARE(widget.Value(), value);
-    QCOMPARE(edit->alignment(), Qt::AlignHCenter | Qt::AlignVCenter);
-    QCOMPARE(edit->contextMenuPolicy(), Qt::NoContextMenu);
-}
-
-void tst_LayerCellWidgets::lineEditFillsNarrowCell()
-{
-    TestEnvironment env;
-    CLayerLineEditWidget widget;
-    widget.SetRange(0.0, 3000.0, 0, QLocale::C);
-    widget.SetText(QStringLiteral("120"));
-    widget.resize(80, 40);
-    widget.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&widget));
-    auto *edit = widget.findChild<QLineEdit *>();
-    // The value must stay readable in a narrow table column.
-    QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
-    QCOMPARE(edit->height(), edit->sizeHint().height());
-    QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
-}
-
-void tst_LayerCellWidgets::lineEditPresses_data()
-{
-    QTest::addColumn<int>("button");
-    QTest::addColumn<int>("rightClicks");
-    QTest::newRow("right") << int(Qt::RightButton) << 1;
-    QTest::newRow("left") << int(Qt::LeftButton) << 0;
-}
-
-void tst_LayerCellWidgets::lineEditPresses()
-{
-    QFETCH(int, button);
-    QFETCH(int, rightClicks);
-    TestEnvironment env;
-    auto *cell = new CLayerLineEditWidget;
-    TableWithCell fixture(cell, 5);
-    fixture.table.selectRow(0);
-    QSignalSpy right(cell, &CLayerLineEditWidget::rightButtonClicked);
-    QTest::mousePress(cell->findChild<QLineEdit *>(), Qt::MouseButton(button));
-    QCOMPARE(right.count(), rightClicks);
-    QCOMPARE(fixture.table.currentRow(), 5);
-}
-
-void tst_LayerCellWidgets::lineEditRefusesOutOfRange_data()
-{
-    QTest::addColumn<int>("decimals");
-    QTest::addColumn<QString>("keys");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<int>("finished");
-
-    QTest::newRow("speed inside") << 0 << "250" << "250" << 1;
-    QTest::newRow("speed above range") << 0 << "3001" << "3001" << 0;
-    QTest::newRow("speed decimals refused") << 0 << "12.5" << "12." << 1;
-    QTest::newRow("power inside") << 1 << "55.5" << "55.5" << 1;
-    QTest::newRow("power second decimal refused") << 1 << "55.55" << "55.5" << 1;
-    QTest::newRow("power zero below minimum") << 1 << "0" << "0" << 0;
-    QTest::newRow("garbage letters") << 1 << "x" << "" << 0;
-}
-
-void tst_LayerCellWidgets::lineEditRefusesOutOfRange()
-{
-    QFETCH(int, decimals);
-    QFETCH(QString, keys);
-    QFETCH(QString, shown);
-    QFETCH(int, finished);
-    TestEnvironment env;
-    CLayerLineEditWidget widget;
-    if (decimals == 0)
+    void lineEditFillsNarrowCell()
+    {
+        TestEnvironment env;
+        CLayerLineEditWidget widget;
         widget.SetRange(0.0, 3000.0, 0, QLocale::C);
-    else
-        widget.SetRange(0.1, 100.0, 1, QLocale::C);
-    widget.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&widget));
-    auto *edit = widget.findChild<QLineEdit *>();
-    edit->setFocus();
-    QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
-    QTest::keyClicks(edit, keys);
-    QTest::keyClick(edit, Qt::Key_Return);
-    QCOMPARE(edit->text(), shown);
-    QCOMPARE(done.count(), finished);
-}
+        widget.SetText(QStringLiteral("120"));
+        widget.resize(80, 40);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        auto *edit = widget.findChild<QLineEdit *>();
+        // The value must stay readable in a narrow table column.
+        QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
+        QCOMPARE(edit->height(), edit->sizeHint().height());
+        QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
+    }
+
+    void lineEditRefusesOutOfRange_data()
+    {
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<int>("finished");
+        QTest::newRow("speed inside") << 0 << "250" << "250" << 1;
+        QTest::newRow("speed above range") << 0 << "3001" << "3001" << 0;
+        QTest::newRow("speed decimals refused") << 0 << "12.5" << "12." << 1;
+        QTest::newRow("power inside") << 1 << "55.5" << "55.5" << 1;
+        QTest::newRow("power second decimal refused") << 1 << "55.55" << "55.5" << 1;
+        QTest::newRow("power zero below minimum") << 1 << "0" << "0" << 0;
+        QTest::newRow("garbage letters") << 1 << "x" << "" << 0;
+    }
+
+    void lineEditRefusesOutOfRange()
+    {
+        QFETCH(int, decimals);
+        QFETCH(QString, keys);
+        TestEnvironment env;
+        CLayerLineEditWidget widget;
+        if (decimals == 0)
+            widget.SetRange(0.0, 3000.0, 0, QLocale::C);
+        else
+            widget.SetRange(0.1, 100.0, 1, QLocale::C);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        auto *edit = widget.findChild<QLineEdit *>();
+        edit->setFocus();
+        QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
+        QTest::keyClicks(edit, keys);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QTEST(edit->text(), "shown");
+        QTEST(int(done.count()), "finished");
+    }
+};
 
 QTEST_MAIN(tst_LayerCellWidgets)
 #include "tst_layercellwidgets.moc"
