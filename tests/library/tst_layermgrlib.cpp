@@ -254,28 +254,31 @@ private slots:
                                            ->iconBase64.toLatin1())
                     .startsWith("\xff\xd8"));
 
-        const CLibCutSet *cut = library.FindCutSet({0, 60, QStringLiteral("Plywood"), 3.0, 0});
-        QVERIFY(cut);
-        QCOMPARE(cut->speed, 20.0);
-        QCOMPARE(cut->laser1.power, 65.0);
-        QCOMPARE(cut->laser1.turnPower, 55.0);
-        QCOMPARE(cut->laser1.frequency, 4000);
-        QCOMPARE(cut->blowing, true);
-        QCOMPARE(cut->note, QStringLiteral("mask it"));
-        QCOMPARE(cut->laser2, CLibLaser::second());
+        // Columns the table does not have keep the record's defaults.
+        CLibCutSet cut;
+        cut.key = {0, 60, QStringLiteral("Plywood"), 3.0, 0};
+        cut.speed = 20.0;
+        cut.laser1.power = 65.0;
+        cut.laser1.turnPower = 55.0;
+        cut.blowing = true;
+        cut.note = QStringLiteral("mask it");
+        QVERIFY(library.FindCutSet(cut.key));
+        QCOMPARE(*library.FindCutSet(cut.key), cut);
         const CLibCutSet *tracing = library.FindCutSet({0, 60, QStringLiteral("Plywood"), 6.0, 1});
         QVERIFY(tracing);
         QCOMPARE(tracing->note, QString());
 
-        const CLibSweepSet *deep = library.FindSweepSet({0, 60, QStringLiteral("Plywood"), 3.0, 3});
-        QVERIFY(deep);
-        QCOMPARE(deep->speed, 150.5);
-        QCOMPARE(deep->laser1.power, 47.0);
-        QCOMPARE(deep->minPower, 14.0);
-        QCOMPARE(deep->maxPower, 47.0);
-        QCOMPARE(deep->carvingNumber, 3);
-        QCOMPARE(deep->dpi, 5);
-        QCOMPARE(deep->isRamp, false);
+        CLibSweepSet deep;
+        deep.key = {0, 60, QStringLiteral("Plywood"), 3.0, 3};
+        deep.blowing = true;
+        deep.speed = 150.5;
+        deep.laser1.power = 47.0;
+        deep.minPower = 14.0;
+        deep.maxPower = 47.0;
+        deep.carvingNumber = 3;
+        deep.dpi = 5;
+        QVERIFY(library.FindSweepSet(deep.key));
+        QCOMPARE(*library.FindSweepSet(deep.key), deep);
         const CLibSweepSet *shallow = library.FindSweepSet({0, 60, QStringLiteral("Acrylic"), 5.0, 2});
         QVERIFY(shallow);
         QCOMPARE(shallow->blowing, false);
