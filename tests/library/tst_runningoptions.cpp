@@ -50,6 +50,8 @@ const char *const kGarbageObjects[] = {
 
 } // namespace
 
+Q_DECLARE_METATYPE(RunningOptionEntry)
+
 class tst_RunningOptions : public QObject
 {
     Q_OBJECT
@@ -123,53 +125,41 @@ private slots:
     void readFields_data()
     {
         QTest::addColumn<QByteArray>("object");
-        QTest::addColumn<quint32>("color");
-        QTest::addColumn<quint32>("type");
-        QTest::addColumn<QString>("material");
-        QTest::addColumn<double>("thickness");
-        QTest::addColumn<quint32>("craft");
-        QTest::addColumn<quint32>("power");
-
+        QTest::addColumn<RunningOptionEntry>("expected");
         QTest::newRow("all fields")
             << QByteArray(R"({"Color":"16711680","Type":"Fiber","MaterialName":"Steel","Thickness":"1.25","Craft":"Deep Carving","LaserPower":"30"})")
-            << 16711680u << 3u << "Steel" << 1.25 << 3u << 30u;
+            << entry(16711680, 3, QStringLiteral("Steel"), 1.25, 3, 30);
         QTest::newRow("exponent thickness")
             << QByteArray(R"({"Thickness":"1e+06","Type":"Semiconductor","Craft":"Vision Mark"})")
-            << 0u << 4u << "" << 1e6 << 4u << 0u;
-        QTest::newRow("largest colour") << QByteArray(R"({"Color":"4294967295"})") << 4294967295u
-                                        << 0u << "" << 0.0 << 0u << 0u;
+            << entry(0, 4, QString(), 1e6, 4, 0);
+        QTest::newRow("largest colour") << QByteArray(R"({"Color":"4294967295"})")
+                                        << entry(4294967295u, 0, QString(), 0.0, 0, 0);
         QTest::newRow("unknown tube and craft names")
-            << QByteArray(R"({"Type":"CO2","Craft":"Engrave","LaserPower":"80"})") << 0u << 0u << ""
-            << 0.0 << 0u << 80u;
-        QTest::newRow("escaped material name") << QByteArray("{\"MaterialName\":\"a\\\"b\\\\c\\u00e9\"}")
-                                               << 0u << 0u << QStringLiteral("a\"b\\cé") << 0.0 << 0u
-                                               << 0u;
+            << QByteArray(R"({"Type":"CO2","Craft":"Engrave","LaserPower":"80"})")
+            << entry(0, 0, QString(), 0.0, 0, 80);
+        QTest::newRow("escaped material name")
+            << QByteArray("{\"MaterialName\":\"a\\\"b\\\\c\\u00e9\"}")
+            << entry(0, 0, QStringLiteral("a\"b\\cé"), 0.0, 0, 0);
         for (const char *object : kGarbageObjects) {
             QTest::addRow("garbage reads as zeros: %s", object)
-                << QByteArray(object) << 0u << 0u << "" << 0.0 << 0u << 0u;
+                << QByteArray(object) << entry(0, 0, QString(), 0.0, 0, 0);
         }
     }
 
     void readFields()
     {
         QFETCH(QByteArray, object);
-        QFETCH(quint32, color);
-        QFETCH(quint32, type);
-        QFETCH(QString, material);
-        QFETCH(double, thickness);
-        QFETCH(quint32, craft);
-        QFETCH(quint32, power);
-
+        QFETCH(RunningOptionEntry, expected);
         RunningOptionList list = sentinelList();
         QVERIFY(RunningOptionsFromJson(QString::fromUtf8(wrap(object)), list));
         QCOMPARE(list.size(), size_t(1));
         const RunningOptionEntry &e = list.front();
-        QCOMPARE(e.color, color);
-        QCOMPARE(e.options.type, type);
-        QCOMPARE(e.options.MaterialName(), material);
-        QCOMPARE(e.options.thickness, thickness);
-        QCOMPARE(e.options.craft, craft);
-        QCOMPARE(e.options.laserPower, power);
+        QCOMPARE(e.color, expected.color);
+        QCOMPARE(e.options.type, expected.options.type);
+        QCOMPARE(e.options.MaterialName(), expected.options.MaterialName());
+        QCOMPARE(e.options.thickness, expected.options.thickness);
+        QCOMPARE(e.options.craft, expected.options.craft);
+        QCOMPARE(e.options.laserPower, expected.options.laserPower);
         QCOMPARE(e.options.secondText[0], '\0');
     }
 
