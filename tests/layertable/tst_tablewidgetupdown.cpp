@@ -66,13 +66,11 @@ public:
         QDragMoveEvent move(pos, kActions, m_data.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_table.viewport(), &move);
     }
-
     void dropAt(const QPoint &pos)
     {
         QDropEvent drop(QPointF(pos), kActions, m_data.get(), Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(m_table.viewport(), &drop);
     }
-
     void leave()
     {
         QDragLeaveEvent leave;
@@ -84,6 +82,11 @@ private:
     QTableWidget &m_table;
     std::unique_ptr<QMimeData> m_data;
 };
+
+QString state(const QTableWidget &table)
+{
+    return table.property("state").toString();
+}
 
 QStringList texts(const QTableWidget &table)
 {
@@ -100,169 +103,137 @@ class tst_TableWidgetUpDown : public QObject
     Q_OBJECT
 
 private slots:
-    void initialState();
-    void dragAndDrop_data();
-    void dragAndDrop();
-    void dropFromEmptySpaceEmitsNothing();
-    void pressOnEmptySpaceKeepsSelection();
-    void pastEndWithoutVisibleRows();
-    void autoScroll_data();
-    void autoScroll();
-    void dragLeaveStops();
+    void initialState()
+    {
+        TestEnvironment env;
+        CTableWidgetUpDown table;
+        QCOMPARE(state(table), QStringLiteral("Moved"));
+        QCOMPARE(table.dragDropMode(), QAbstractItemView::DragDrop);
+        QVERIFY(table.showDropIndicator());
+        QCOMPARE(table.selectionBehavior(), QAbstractItemView::SelectRows);
+        QVERIFY(!table.IsAutoScrolling());
+    }
+
+    void dragAndDrop_data()
+    {
+        QTest::addColumn<int>("from");
+        QTest::addColumn<int>("over");
+        QTest::addColumn<int>("dy");
+        QTest::addColumn<QString>("state");
+        QTest::addColumn<int>("to");
+        // "to" -1: the drag leaves the table instead of dropping.
+        QTest::newRow("below middle of last row") << 0 << 4 << 5 << "MoveToEnd" << 4;
+        QTest::newRow("just above middle of last row") << 0 << 4 << -5 << "Moving" << 3;
+        QTest::newRow("down onto a middle row") << 0 << 2 << 0 << "Moving" << 1;
+        QTest::newRow("up onto row 1") << 3 << 1 << 0 << "Moving" << 1;
+        QTest::newRow("up onto first row") << 4 << 0 << -10 << "Moving" << 0;
+        QTest::newRow("onto itself") << 2 << 2 << 0 << "Moving" << 2;
+        QTest::newRow("leaving the table stops") << 0 << 2 << 0 << "Moving" << -1;
+    }
+
+    void dragAndDrop()
+    {
+        QFETCH(int, from);
+        QFETCH(int, over);
+        QFETCH(int, dy);
+        QFETCH(int, to);
+        TestEnvironment env;
+        auto table = makeTable(5, 3);
+        QVERIFY(table);
+        const QStringList before = texts(*table);
+        QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
+
+        press(*table, centreOf(*table, from));
+        const QPoint target = centreOf(*table, over) + QPoint(0, dy);
+        DragSession drag(*table);
+        drag.moveTo(target);
+        QTEST(state(*table), "state");
+        QCOMPARE(table->currentRow(), over);
+        QVERIFY(table->IsAutoScrolling());
+
+        if (to < 0) {
+            drag.leave();
+            QCOMPARE(moved.count(), 0);
+        } else {
+            drag.dropAt(target);
+            QCOMPARE(moved.count(), 1);
+            QCOMPARE(moved.first(), (QList<QVariant>{from, to}));
+            QVERIFY(table->selectionModel()->isRowSelected(to, QModelIndex()));
+        }
+        QCOMPARE(state(*table), QStringLiteral("Moved"));
+        QVERIFY(!table->IsAutoScrolling());
+        // The table reports the move; it never moves items itself.
+        QCOMPARE(texts(*table), before);
+    }
+
+    void emptySpaceBelowRows()
+    {
+        TestEnvironment env;
+        auto table = makeTable(5, 3);
+        QVERIFY(table);
+        QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
+        const QPoint empty(50, 5 * kRowHeight + 40);
+        press(*table, centreOf(*table, 2));
+        // A press there keeps the selection.
+        press(*table, empty);
+        QCOMPARE(table->currentRow(), 2);
+        QVERIFY(table->selectionModel()->isRowSelected(2, QModelIndex()));
+        // A drag from there moves nothing.
+        DragSession drag(*table);
+        drag.moveTo(centreOf(*table, 2));
+        drag.dropAt(centreOf(*table, 2));
+        QCOMPARE(moved.count(), 0);
+        QCOMPARE(state(*table), QStringLiteral("Moved"));
+    }
+
+    void pastEndWithoutVisibleRows()
+    {
+        TestEnvironment env;
+        auto table = makeTable(0, 4);
+        QVERIFY(table);
+        QVERIFY(!table->IsPastEnd(QPoint(10, 1000)));
+        auto one = makeTable(1, 0);
+        QVERIFY(one);
+        QVERIFY(one->IsPastEnd(centreOf(*one, 0) + QPoint(0, 1)));
+        QVERIFY(!one->IsPastEnd(centreOf(*one, 0)));
+    }
+
+    void autoScroll_data()
+    {
+        QTest::addColumn<int>("y");
+        QTest::addColumn<int>("step");
+        QTest::newRow("near top") << 10 << -5;
+        QTest::newRow("near bottom") << 180 << 5;
+        QTest::newRow("middle") << 100 << 0;
+    }
+
+    void autoScroll()
+    {
+        QFETCH(int, y);
+        QFETCH(int, step);
+        TestEnvironment env;
+        auto table = makeTable(60, 0, 200);
+        QVERIFY(table);
+        table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+        QScrollBar *bar = table->verticalScrollBar();
+        bar->setValue(bar->maximum() / 2);
+        const int before = bar->value();
+        press(*table, QPoint(50, 100));
+        DragSession drag(*table);
+        drag.moveTo(QPoint(50, y));
+        auto *timer = table->findChild<QTimer *>();
+        QVERIFY(timer && timer->isActive());
+        QCOMPARE(timer->interval(), 100);
+        // One tick at a time, independent of the machine's speed.
+        timer->stop();
+        QMetaObject::invokeMethod(timer, "timeout");
+        QCOMPARE(bar->value(), before + step);
+        QMetaObject::invokeMethod(timer, "timeout");
+        QCOMPARE(bar->value(), before + 2 * step);
+        // The row under the pointer follows the scrolling.
+        QCOMPARE(table->currentRow(), table->rowAt(y));
+    }
 };
-
-void tst_TableWidgetUpDown::initialState()
-{
-    TestEnvironment env;
-    CTableWidgetUpDown table;
-    QCOMPARE(table.property("state").toString(), QStringLiteral("Moved"));
-    QCOMPARE(table.dragDropMode(), QAbstractItemView::DragDrop);
-    QVERIFY(table.showDropIndicator());
-    QCOMPARE(table.selectionBehavior(), QAbstractItemView::SelectRows);
-    QVERIFY(!table.IsAutoScrolling());
-}
-
-void tst_TableWidgetUpDown::dragAndDrop_data()
-{
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("over");
-    QTest::addColumn<int>("dy");
-    QTest::addColumn<QString>("state");
-    QTest::addColumn<int>("to");
-
-    QTest::newRow("below middle of last row") << 0 << 4 << 5 << "MoveToEnd" << 4;
-    QTest::newRow("just above middle of last row") << 0 << 4 << -5 << "Moving" << 3;
-    QTest::newRow("down onto a middle row") << 0 << 2 << 0 << "Moving" << 1;
-    QTest::newRow("up onto row 1") << 3 << 1 << 0 << "Moving" << 1;
-    QTest::newRow("up onto first row") << 4 << 0 << -10 << "Moving" << 0;
-    QTest::newRow("onto itself") << 2 << 2 << 0 << "Moving" << 2;
-}
-
-void tst_TableWidgetUpDown::dragAndDrop()
-{
-    QFETCH(int, from);
-    QFETCH(int, over);
-    QFETCH(int, dy);
-    QFETCH(QString, state);
-    QFETCH(int, to);
-    TestEnvironment env;
-    auto table = makeTable(5, 3);
-    QVERIFY(table);
-    const QStringList before = texts(*table);
-    QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
-
-    press(*table, centreOf(*table, from));
-    const QPoint target = centreOf(*table, over) + QPoint(0, dy);
-    DragSession drag(*table);
-    drag.moveTo(target);
-    QCOMPARE(table->property("state").toString(), state);
-    QCOMPARE(table->currentRow(), over);
-    QVERIFY(table->IsAutoScrolling());
-
-    drag.dropAt(target);
-    QCOMPARE(moved.count(), 1);
-    const QList<QVariant> args = moved.takeFirst();
-    QCOMPARE(args.at(0).toInt(), from);
-    QCOMPARE(args.at(1).toInt(), to);
-    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
-    QVERIFY(!table->IsAutoScrolling());
-    QVERIFY(table->selectionModel()->isRowSelected(to, QModelIndex()));
-    // The table reports the move; it never moves items itself.
-    QCOMPARE(texts(*table), before);
-}
-
-void tst_TableWidgetUpDown::dropFromEmptySpaceEmitsNothing()
-{
-    TestEnvironment env;
-    auto table = makeTable(5, 3);
-    QVERIFY(table);
-    QSignalSpy moved(table.get(), &CTableWidgetUpDown::MoveLayerSignal);
-    press(*table, QPoint(50, 5 * kRowHeight + 40));
-    DragSession drag(*table);
-    drag.moveTo(centreOf(*table, 2));
-    drag.dropAt(centreOf(*table, 2));
-    QCOMPARE(moved.count(), 0);
-    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
-}
-
-void tst_TableWidgetUpDown::pressOnEmptySpaceKeepsSelection()
-{
-    TestEnvironment env;
-    auto table = makeTable(5, 3);
-    QVERIFY(table);
-    press(*table, centreOf(*table, 2));
-    QCOMPARE(table->currentRow(), 2);
-    press(*table, QPoint(50, 5 * kRowHeight + 40));
-    QCOMPARE(table->currentRow(), 2);
-    QVERIFY(table->selectionModel()->isRowSelected(2, QModelIndex()));
-}
-
-void tst_TableWidgetUpDown::pastEndWithoutVisibleRows()
-{
-    TestEnvironment env;
-    auto table = makeTable(0, 4);
-    QVERIFY(table);
-    QVERIFY(!table->IsPastEnd(QPoint(10, 1000)));
-    auto one = makeTable(1, 0);
-    QVERIFY(one);
-    QVERIFY(one->IsPastEnd(centreOf(*one, 0) + QPoint(0, 1)));
-    QVERIFY(!one->IsPastEnd(centreOf(*one, 0)));
-}
-
-void tst_TableWidgetUpDown::autoScroll_data()
-{
-    QTest::addColumn<int>("y");
-    QTest::addColumn<int>("step");
-
-    QTest::newRow("near top") << 10 << -5;
-    QTest::newRow("near bottom") << 180 << 5;
-    QTest::newRow("middle") << 100 << 0;
-}
-
-void tst_TableWidgetUpDown::autoScroll()
-{
-    QFETCH(int, y);
-    QFETCH(int, step);
-    TestEnvironment env;
-    auto table = makeTable(60, 0, 200);
-    QVERIFY(table);
-    table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    QScrollBar *bar = table->verticalScrollBar();
-    bar->setValue(bar->maximum() / 2);
-    const int before = bar->value();
-
-    press(*table, QPoint(50, 100));
-    DragSession drag(*table);
-    drag.moveTo(QPoint(50, y));
-    auto *timer = table->findChild<QTimer *>();
-    QVERIFY(timer);
-    QVERIFY(timer->isActive());
-    QCOMPARE(timer->interval(), 100);
-
-    // One tick at a time, independent of the machine's speed.
-    timer->stop();
-    QMetaObject::invokeMethod(timer, "timeout");
-    QCOMPARE(bar->value(), before + step);
-    QMetaObject::invokeMethod(timer, "timeout");
-    QCOMPARE(bar->value(), before + 2 * step);
-    // The row under the pointer follows the scrolling.
-    QCOMPARE(table->currentRow(), table->rowAt(y));
-}
-
-void tst_TableWidgetUpDown::dragLeaveStops()
-{
-    TestEnvironment env;
-    auto table = makeTable(5, 0);
-    QVERIFY(table);
-    press(*table, centreOf(*table, 0));
-    DragSession drag(*table);
-    drag.moveTo(centreOf(*table, 2));
-    QVERIFY(table->IsAutoScrolling());
-    QCOMPARE(table->property("state").toString(), QStringLiteral("Moving"));
-    drag.leave();
-    QCOMPARE(table->property("state").toString(), QStringLiteral("Moved"));
-    QVERIFY(!table->IsAutoScrolling());
-}
 
 QTEST_MAIN(tst_TableWidgetUpDown)
 #include "tst_tablewidgetupdown.moc"
