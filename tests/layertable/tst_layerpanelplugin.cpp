@@ -25,25 +25,20 @@ enum { COL_NUM, COL_MODE, COL_SPEED, COL_POWER, COL_TYPE, COL_AIR, COL_OUTPUT };
 
 const QString kBin = QStringLiteral(LAYERMGR_BUILD_BIN);
 
-QStringList column(const QTableWidget *table, int column, const char *childName)
+// One text per shown row: a cell's button or line edit, or the mode item's tool tip.
+QStringList column(const QTableWidget *table, int column)
 {
     QStringList texts;
     for (int row = 0; row < table->rowCount() && !table->isRowHidden(row); ++row) {
         QWidget *cell = table->cellWidget(row, column);
-        if (const auto *button = cell->findChild<QPushButton *>(QString::fromLatin1(childName)))
+        if (column == COL_MODE)
+            texts << table->item(row, COL_MODE)->toolTip();
+        else if (const auto *button = cell->findChild<QPushButton *>(QStringLiteral("pushButton_layerColor")))
             texts << button->text();
         else if (const auto *edit = cell->findChild<QLineEdit *>())
             texts << edit->text();
     }
     return texts;
-}
-
-QStringList modeTips(const QTableWidget *table)
-{
-    QStringList tips;
-    for (int row = 0; row < table->rowCount() && !table->isRowHidden(row); ++row)
-        tips << table->item(row, COL_MODE)->toolTip();
-    return tips;
 }
 
 } // namespace
@@ -59,8 +54,7 @@ private slots:
 void tst_LayerPanelPlugin::hostDrivesPanel()
 {
     TestEnvironment env;
-    // Loaded first, the display-scale module is what the plug-in's loader
-    // finds under its bare name.
+    // Loaded first, the display-scale module is what the plug-in's loader finds under its bare name.
     QLibrary resolutionLibrary(kBin + QStringLiteral("/libResolution.so"));
     QVERIFY2(resolutionLibrary.load(), qPrintable(resolutionLibrary.errorString()));
     auto newResolution = reinterpret_cast<IResolution *(*)()>(resolutionLibrary.resolve("NewInterface"));
@@ -112,20 +106,20 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     manager->UpdateLayers(&shapes);
     QCOMPARE(manager->GetLayerCount(), 3u);
 
-    QStringList letters;
-    for (quint32 i = 0; i < manager->GetLayerCount(); ++i)
-        letters << QString(QChar(u'A' + manager->GetLayerNumber(manager->GetLayerAt(i)->COLOR)));
-    QCOMPARE(column(table, COL_NUM, "pushButton_layerColor"), letters);
-    QStringList modes;
-    for (quint32 i = 0; i < manager->GetLayerCount(); ++i)
-        modes << (manager->GetLayerAt(i)->WORK_TYPE == 2 ? "Shallow Engrave" : "Cutting");
-    QCOMPARE(modeTips(table), modes);
+    QStringList letters, modes;
+    for (quint32 i = 0; i < manager->GetLayerCount(); ++i) {
+        const CLayerParam *layer = manager->GetLayerAt(i);
+        letters << QString(QChar(u'A' + manager->GetLayerNumber(layer->COLOR)));
+        modes << (layer->WORK_TYPE == 2 ? "Shallow Engrave" : "Cutting");
+    }
+    QCOMPARE(column(table, COL_NUM), letters);
+    QCOMPARE(column(table, COL_MODE), modes);
     QVERIFY(modes.contains("Shallow Engrave"));
-    QCOMPARE(column(table, COL_SPEED, nullptr), (QStringList{"1", "1", "1"}));
+    QCOMPARE(column(table, COL_SPEED), (QStringList{"1", "1", "1"}));
     QCOMPARE(manager->GetCurrentLayerColor(), manager->GetLayerAt(0)->COLOR);
 
     module->SetUnitMode(3);
-    QCOMPARE(column(table, COL_SPEED, nullptr), (QStringList{"60", "60", "60"}));
+    QCOMPARE(column(table, COL_SPEED), (QStringList{"60", "60", "60"}));
     module->SetPanelFlag(true);
     QCOMPARE(table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
 
@@ -144,7 +138,7 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     delete shapes.TakeAt(1);
     manager->UpdateLayers(&shapes);
     QCOMPARE(manager->GetLayerCount(), 2u);
-    QCOMPARE(modeTips(table).size(), 2);
+    QCOMPARE(column(table, COL_MODE).size(), 2);
 
     module->ReleaseLayerMgr(manager);
     releaseInterface(module);
