@@ -36,6 +36,8 @@ QStringList allNames(const CMaterialLibrary &library)
 
 } // namespace
 
+Q_DECLARE_METATYPE(CLibKey)
+
 class tst_MaterialLibrary : public QObject
 {
     Q_OBJECT
@@ -43,42 +45,33 @@ class tst_MaterialLibrary : public QObject
 private slots:
     void findSetByKey_data()
     {
-        QTest::addColumn<double>("thickness");
-        QTest::addColumn<quint32>("craft");
-        QTest::addColumn<quint32>("tube");
-        QTest::addColumn<qint32>("power");
-        QTest::addColumn<QString>("material");
+        QTest::addColumn<CLibKey>("key");
         QTest::addColumn<bool>("found");
-
-        QTest::newRow("exact") << 3.0 << 0u << 2u << 60 << kBirch << true;
-        QTest::newRow("within 1e-6 above") << 3.000001 << 0u << 2u << 60 << kBirch << true;
-        QTest::newRow("within 1e-6 below") << 2.9999995 << 1u << 2u << 60 << kBirch << true;
-        QTest::newRow("beyond 1e-6") << 3.0000021 << 0u << 2u << 60 << kBirch << false;
-        QTest::newRow("other thickness") << 6.0 << 0u << 2u << 60 << kBirch << false;
-        QTest::newRow("other material") << 3.0 << 0u << 2u << 60 << QStringLiteral("birch") << false;
-        QTest::newRow("other power") << 3.0 << 0u << 2u << 80 << kBirch << false;
-        QTest::newRow("other tube") << 3.0 << 0u << 1u << 60 << kBirch << false;
-        QTest::newRow("sweep craft") << 3.0 << 3u << 2u << 60 << kBirch << true;
-        QTest::newRow("mark craft") << 3.0 << 4u << 2u << 60 << kBirch << true;
-        QTest::newRow("garbage: craft 5") << 3.0 << 5u << 2u << 60 << kBirch << false;
-        QTest::newRow("garbage: NaN thickness")
-            << std::numeric_limits<double>::quiet_NaN() << 0u << 2u << 60 << kBirch << false;
-        QTest::newRow("garbage: infinite thickness")
-            << std::numeric_limits<double>::infinity() << 2u << 2u << 60 << kBirch << false;
+        const double nan = std::numeric_limits<double>::quiet_NaN();
+        const double inf = std::numeric_limits<double>::infinity();
+        QTest::newRow("exact") << libKey(kBirch, 3.0, 0) << true;
+        QTest::newRow("within 1e-6 above") << libKey(kBirch, 3.000001, 0) << true;
+        QTest::newRow("within 1e-6 below") << libKey(kBirch, 2.9999995, 1) << true;
+        QTest::newRow("beyond 1e-6") << libKey(kBirch, 3.0000021, 0) << false;
+        QTest::newRow("other thickness") << libKey(kBirch, 6.0, 0) << false;
+        QTest::newRow("other material") << libKey(QStringLiteral("birch"), 3.0, 0) << false;
+        QTest::newRow("other power") << libKey(kBirch, 3.0, 0, 2, 80) << false;
+        QTest::newRow("other tube") << libKey(kBirch, 3.0, 0, 1, 60) << false;
+        QTest::newRow("sweep craft") << libKey(kBirch, 3.0, 3) << true;
+        QTest::newRow("mark craft") << libKey(kBirch, 3.0, 4) << true;
+        QTest::newRow("garbage: craft 5") << libKey(kBirch, 3.0, 5) << false;
+        QTest::newRow("garbage: NaN thickness") << libKey(kBirch, nan, 0) << false;
+        QTest::newRow("garbage: infinite thickness") << libKey(kBirch, inf, 2) << false;
     }
 
     void findSetByKey()
     {
-        QFETCH(double, thickness);
-        QFETCH(quint32, craft);
-        QFETCH(quint32, tube);
-        QFETCH(qint32, power);
-        QFETCH(QString, material);
+        QFETCH(CLibKey, key);
         QFETCH(bool, found);
+        const quint32 craft = key.craft;
         TestEnvironment env;
 
         const CMaterialLibrary library = sampleLibrary();
-        const CLibKey key{tube, power, material, thickness, craft};
         QCOMPARE(library.HasSet(key), found);
         if (IsCutCraft(craft)) {
             const CLibCutSet *set = library.FindCutSet(key);
