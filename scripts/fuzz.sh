@@ -2,7 +2,7 @@
 # Runs each libFuzzer harness for the given number of seconds on a copy of
 # its seed corpus; stops at the first crash.
 set -euo pipefail
-build=${1:-build-fuzz}
+build=$(cd "${1:-build-fuzz}" && pwd)
 seconds=${2:-60}
 root=$(cd "$(dirname "$0")/.." && pwd)
 work="$build/fuzz-work"
