@@ -540,7 +540,9 @@ bool CMainWindow::SaveProject(const QString &path, QString *error)
         manager->SaveLayers(&buffer);
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !project.Write(&file) || !file.commit()) {
+    // commit() alone does not see a write the disk cut short; flush() does.
+    if (!file.open(QIODevice::WriteOnly) || !project.Write(&file) || !file.flush()
+        || !file.commit()) {
         *error = Wording("Cannot save %1: %2").arg(path, file.errorString());
         return false;
     }
