@@ -73,6 +73,22 @@ struct PanelFixture
     }
 
     void sync(bool force = false) { panel->SyncLayers(manager.get(), force); }
+    // Layers of plain colours 0..count-1, shown.
+    bool withLayers(int count, int workType = WORK_CUTTING)
+    {
+        for (int i = 0; i < count; ++i)
+            addLayer(*manager, plainColor(i), workType);
+        sync();
+        return show();
+    }
+    // Layers of the standard colours 1..count, letters B, C, D...
+    bool withStandardLayers(quint32 count)
+    {
+        for (quint32 n = 1; n <= count; ++n)
+            addLayer(*manager, StandardLayerColor(n, false));
+        sync();
+        return show();
+    }
 
     template<typename T>
     T *cell(int row, int column) const
@@ -83,6 +99,8 @@ struct PanelFixture
     {
         return cell<CLayerLineEditWidget>(row, column)->findChild<QLineEdit *>();
     }
+    QString tip(int row, int column) const { return cell<CLayerLineEditWidget>(row, column)->toolTip(); }
+    bool selected(int row) const { return table->selectionModel()->isRowSelected(row, QModelIndex()); }
     QComboBox *combo(int row, int column) const
     {
         return table->cellWidget(row, column)->findChild<QComboBox *>();
@@ -136,6 +154,16 @@ QImage iconImage(const QIcon &icon)
     return icon.pixmap(QSize(20, 20)).toImage();
 }
 
+// Which of the two eye icons a button shows.
+QString eyeIcon(QPushButton *eye)
+{
+    for (const char *name : {"LayerEye", "LayerCloseEye"}) {
+        if (iconImage(eye->icon()) == iconImage(QIcon(kIconDir + name + ".svg")))
+            return QLatin1String(name);
+    }
+    return QStringLiteral("other");
+}
+
 QByteArray factoryLasers(int laser1, int laser2)
 {
     return QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
@@ -151,938 +179,791 @@ class tst_DlgLayerMgr : public QObject
     Q_OBJECT
 
 private slots:
-    void formAndColumns();
-    void rowTexts_data();
-    void rowTexts();
-    void laserNames_data();
-    void laserNames();
-    void translatedTexts();
-    void paletteNumbers_data();
-    void paletteNumbers();
-    void uniqueNumbersFrom37();
-    void uniqueNumbersKeepStored();
-    void heldBackSpecialLayerGetsNumber();
-    void rowGrowthAndSpareRows();
-    void syncRefillsOnlyOnChange();
-    void speedsInUnitModes_data();
-    void speedsInUnitModes();
-    void typeHeaderToggleNeedsTwoLasers();
-    void rightClickSelectsRow();
-    void cellClickMakesRowCurrent();
-    void outputButtonFlipsOutput();
-    void outputCellClickFlipsOutput();
-    void missingItemIsLogged();
-    void modeEdit_data();
-    void modeEdit();
-    void valueEdit_data();
-    void valueEdit();
-    void airEdit();
-    void destroyedWhileEditing();
-    void rightButtonInValueEditor();
-    void wheelOverModeKeepsLayer();
-    void dragReordersLayers();
-    void moveWithBadIndicesKeepsOrder();
-    void doubleClickWithoutLibraryDialog();
-    void doubleClickOpensLibraryDialog_data();
-    void doubleClickOpensLibraryDialog();
-    void selectPendingColors_data();
-    void selectPendingColors();
-    void selectLayersOfShapes();
-    void currentLayerColor();
-    void tenThousandLayers();
-};
-
-void tst_DlgLayerMgr::formAndColumns()
-{
-    PanelFixture f;
-    QCOMPARE(f.panel->objectName(), QStringLiteral("DlgLayerMgr"));
-    QCOMPARE(f.panel->windowTitle(), QStringLiteral("Form"));
-    QVERIFY(f.panel->findChild<QHBoxLayout *>(QStringLiteral("horizontalLayout")));
-    QVERIFY(f.panel->findChild<QWidget *>(QStringLiteral("widget")));
-    QVERIFY(f.panel->findChild<QHBoxLayout *>(QStringLiteral("horizontalLayout_2")));
-    QVERIFY(f.table);
-
-    const QStringList headers{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output"};
-    QCOMPARE(f.table->columnCount(), headers.size());
-    for (int column = 0; column < headers.size(); ++column) {
-        QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
-        QCOMPARE(f.table->horizontalHeaderItem(column)->toolTip(), headers.at(column));
-    }
-    QCOMPARE(f.table->rowCount(), 10);
-    QCOMPARE(f.visibleRows(), 0);
-    // Without the display-scale module the rows keep their design height.
-    QCOMPARE(f.table->verticalHeader()->defaultSectionSize(), 40);
-    QVERIFY(!f.table->showGrid());
-    QCOMPARE(f.table->selectionMode(), QAbstractItemView::SingleSelection);
-    QCOMPARE(f.table->selectionBehavior(), QAbstractItemView::SelectRows);
-    QCOMPARE(int(f.table->editTriggers()), 1);
-    QCOMPARE(f.table->styleSheet(), QStringLiteral("border:none;"));
-    QCOMPARE(f.table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
-
-    // Spare rows come complete with their cell widgets and the open eye.
-    QVERIFY(f.cell<CLayerNumberWidget>(9, COL_NUM));
-    QVERIFY(f.cell<CLayerModeWidget>(9, COL_MODE));
-    QCOMPARE(f.editor(9, COL_SPEED)->text(), QStringLiteral("1"));
-    QCOMPARE(f.editor(9, COL_POWER)->text(), QStringLiteral("1.0"));
-    QVERIFY(f.cell<CLayerAir>(9, COL_AIR));
-    QCOMPARE(f.eye(9)->objectName(), QStringLiteral("pushButton_layerEye"));
-    QVERIFY(f.eye(9)->isCheckable());
-    QCOMPARE(iconImage(f.eye(9)->icon()), iconImage(QIcon(kIconDir + "LayerEye.svg")));
-    QVERIFY(!(f.table->item(9, COL_TYPE)->flags() & Qt::ItemIsEditable));
-}
-
-void tst_DlgLayerMgr::rowTexts_data()
-{
-    QTest::addColumn<int>("workType");
-    QTest::addColumn<bool>("laser1On");
-    QTest::addColumn<QString>("mode");
-    QTest::addColumn<QString>("speed");
-    QTest::addColumn<QString>("speedTip");
-    QTest::addColumn<QString>("power");
-    QTest::addColumn<QString>("powerTip");
-    QTest::addColumn<QString>("laser");
-
-    // Line speeds 100 mm/s, fill speeds 250.26; laser 1 powers 55.5 / 12.345678,
-    // laser 2 powers 33 / 7.
-    QTest::newRow("cutting, laser 1") << 0 << true << "Cutting" << "100" << "100.0" << "55.5"
-                                      << "55.5" << "Fiber";
-    QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0"
-                                      << "33" << "Semiconductor laser";
-    QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250"
-                                              << "250.3" << "12.3" << "12.3457" << "Fiber";
-    QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3"
-                                           << "7.0" << "7" << "Semiconductor laser";
-    QTest::newRow("mark") << 4 << false << "Mark" << "/" << "/" << "/" << "/" << "Fiber";
-    QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3"
-                                         << "12.3457" << "Fiber";
-    QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0"
-                                          << "7" << "Semiconductor laser";
-}
-
-void tst_DlgLayerMgr::rowTexts()
-{
-    QFETCH(int, workType);
-    QFETCH(bool, laser1On);
-    QFETCH(QString, mode);
-    QFETCH(QString, speed);
-    QFETCH(QString, speedTip);
-    QFETCH(QString, power);
-    QFETCH(QString, powerTip);
-    QFETCH(QString, laser);
-    PanelFixture f(factoryLasers(3, 4));
-    g_LayerContext.m_unitMode = 1;
-    CLayerParam *layer = addLayer(*f.manager, StandardLayerColor(3, false), workType);
-    layer->CUT.CUT_SPEED = 100.0;
-    layer->CUT.LASER1.ENABLE = laser1On;
-    layer->CUT.LASER1.POWER_MAX = 55.5;
-    layer->CUT.LASER2.POWER_MAX = 33.0;
-    layer->SWEEP.SWEEP_SPEED = 250.26;
-    layer->SWEEP.LASER1.ENABLE = laser1On;
-    layer->SWEEP.LASER1.POWER_MAX = 12.345678;
-    layer->SWEEP.LASER2.POWER_MAX = 7.0;
-    layer->BLOW = false;
-    f.sync();
-
-    QCOMPARE(f.visibleRows(), 1);
-    QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
-    QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), mode);
-    if (mode != QLatin1String("Unknow"))
-        QCOMPARE(f.combo(0, COL_MODE)->currentText(), mode);
-    QCOMPARE(f.editor(0, COL_SPEED)->text(), speed);
-    QCOMPARE(f.cell<CLayerLineEditWidget>(0, COL_SPEED)->toolTip(), speedTip);
-    QCOMPARE(f.editor(0, COL_POWER)->text(), power);
-    QCOMPARE(f.cell<CLayerLineEditWidget>(0, COL_POWER)->toolTip(), powerTip);
-    const bool mark = workType == WORK_MARK;
-    QCOMPARE(f.editor(0, COL_SPEED)->isEnabled(), !mark);
-    QCOMPARE(f.editor(0, COL_POWER)->isEnabled(), !mark);
-    QCOMPARE(f.table->item(0, COL_TYPE)->text(), laser);
-    QCOMPARE(f.table->item(0, COL_TYPE)->toolTip(), laser);
-    QCOMPARE(f.table->item(0, COL_TYPE)->textAlignment(), int(Qt::AlignCenter));
-    QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("Low"));
-    QCOMPARE(f.table->item(0, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>(),
-             static_cast<void *>(layer));
-}
-
-void tst_DlgLayerMgr::laserNames_data()
-{
-    QTest::addColumn<QByteArray>("factory");
-    QTest::addColumn<QString>("laser");
-
-    QTest::newRow("no FactoryParam.ini") << QByteArray() << "Glass";
-    QTest::newRow("glass") << factoryLasers(0, 0) << "Glass";
-    QTest::newRow("RF without burning") << factoryLasers(1, 0) << "RF";
-    QTest::newRow("RF with burning") << factoryLasers(2, 0) << "RF";
-    QTest::newRow("fiber") << factoryLasers(3, 0) << "Fiber";
-    QTest::newRow("semiconductor") << factoryLasers(4, 0) << "Semiconductor laser";
-    QTest::newRow("garbage type 5") << factoryLasers(5, 3) << "Glass";
-    QTest::newRow("garbage text") << QByteArray("[FACTORY_PARAM_LASER]\nLASER1_TYPE=fiber\n")
-                                  << "Glass";
-}
-
-void tst_DlgLayerMgr::laserNames()
-{
-    QFETCH(QByteArray, factory);
-    QFETCH(QString, laser);
-    PanelFixture f(factory);
-    addLayer(*f.manager, 0x123456);
-    f.sync();
-    QCOMPARE(f.table->item(0, COL_TYPE)->text(), laser);
-}
-
-void tst_DlgLayerMgr::translatedTexts()
-{
-    PanelFixture f(factoryLasers(3, 0));
-    addLayer(*f.manager, 0x123456, WORK_CUTTING);
-    addLayer(*f.manager, 0x123457, 7);
-    f.sync();
+    void formAndColumns()
     {
-        LanguageGuard chinese(QStringLiteral("Chs"));
-        const QStringList headers{"序号", "模式", "速度", "功率", "类型", "吹气", "输出"};
-        for (int column = 0; column < headers.size(); ++column)
+        PanelFixture f;
+        QCOMPARE(f.panel->objectName(), QStringLiteral("DlgLayerMgr"));
+        QCOMPARE(f.panel->windowTitle(), QStringLiteral("Form"));
+        QVERIFY(f.panel->findChild<QHBoxLayout *>(QStringLiteral("horizontalLayout")));
+        QVERIFY(f.panel->findChild<QWidget *>(QStringLiteral("widget")));
+        QVERIFY(f.panel->findChild<QHBoxLayout *>(QStringLiteral("horizontalLayout_2")));
+        QVERIFY(f.table);
+        const QStringList headers{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output"};
+        QCOMPARE(f.table->columnCount(), headers.size());
+        for (int column = 0; column < headers.size(); ++column) {
             QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
-        QCOMPARE(f.combo(0, COL_MODE)->currentText(), QStringLiteral("切割"));
-        QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("强"));
-        QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("光纤"));
-        QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), QStringLiteral("切割"));
-        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), QStringLiteral("Unknow"));
+            QCOMPARE(f.table->horizontalHeaderItem(column)->toolTip(), headers.at(column));
+        }
+        QCOMPARE(f.table->rowCount(), 10);
+        QCOMPARE(f.visibleRows(), 0);
+        // Without the display-scale module the rows keep their design height.
+        QCOMPARE(f.table->verticalHeader()->defaultSectionSize(), 40);
+        QVERIFY(!f.table->showGrid());
+        QCOMPARE(f.table->selectionMode(), QAbstractItemView::SingleSelection);
+        QCOMPARE(f.table->selectionBehavior(), QAbstractItemView::SelectRows);
+        QCOMPARE(int(f.table->editTriggers()), 1);
+        QCOMPARE(f.table->styleSheet(), QStringLiteral("border:none;"));
+        QCOMPARE(f.table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
+
+        // Spare rows come complete with their cell widgets and the open eye.
+        QVERIFY(f.cell<CLayerNumberWidget>(9, COL_NUM));
+        QVERIFY(f.cell<CLayerModeWidget>(9, COL_MODE));
+        QCOMPARE(f.editor(9, COL_SPEED)->text(), QStringLiteral("1"));
+        QCOMPARE(f.editor(9, COL_POWER)->text(), QStringLiteral("1.0"));
+        QVERIFY(f.cell<CLayerAir>(9, COL_AIR));
+        QCOMPARE(f.eye(9)->objectName(), QStringLiteral("pushButton_layerEye"));
+        QVERIFY(f.eye(9)->isCheckable());
+        QCOMPARE(eyeIcon(f.eye(9)), QStringLiteral("LayerEye"));
+        QVERIFY(!(f.table->item(9, COL_TYPE)->flags() & Qt::ItemIsEditable));
+
+        QCOMPARE(f.panel->CurrentLayerColor(), 0u);
+        addLayer(*f.manager, plainColor(7));
+        f.sync();
+        QCOMPARE(f.panel->CurrentLayerColor(), plainColor(7));
+        int data = 5;
+        f.panel->SetPanelData(&data);
+        QCOMPARE(f.panel->GetPanelData(), static_cast<void *>(&data));
+    }
+
+    void rowTexts_data()
+    {
+        QTest::addColumn<int>("workType");
+        QTest::addColumn<bool>("laser1On");
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("speed");
+        QTest::addColumn<QString>("speedTip");
+        QTest::addColumn<QString>("power");
+        QTest::addColumn<QString>("powerTip");
+        QTest::addColumn<QString>("laser");
+        // Line speeds 100 mm/s, fill speeds 250.26; laser 1 powers 55.5 / 12.345678, laser 2 33 / 7.
+        QTest::newRow("cutting, laser 1") << 0 << true << "Cutting" << "100" << "100.0" << "55.5" << "55.5" << "Fiber";
+        QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0" << "33"
+                                          << "Semiconductor laser";
+        QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250" << "250.3" << "12.3"
+                                                  << "12.3457" << "Fiber";
+        QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3" << "7.0" << "7"
+                                               << "Semiconductor laser";
+        QTest::newRow("mark") << 4 << false << "Mark" << "/" << "/" << "/" << "/" << "Fiber";
+        QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3" << "12.3457"
+                                             << "Fiber";
+        QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0" << "7"
+                                              << "Semiconductor laser";
+    }
+
+    void rowTexts()
+    {
+        QFETCH(int, workType);
+        QFETCH(bool, laser1On);
+        QFETCH(QString, mode);
+        QFETCH(QString, laser);
+        PanelFixture f(factoryLasers(3, 4));
+        CLayerParam *layer = addLayer(*f.manager, StandardLayerColor(3, false), workType);
+        layer->CUT.CUT_SPEED = 100.0;
+        layer->CUT.LASER1.ENABLE = laser1On;
+        layer->CUT.LASER1.POWER_MAX = 55.5;
+        layer->CUT.LASER2.POWER_MAX = 33.0;
+        layer->SWEEP.SWEEP_SPEED = 250.26;
+        layer->SWEEP.LASER1.ENABLE = laser1On;
+        layer->SWEEP.LASER1.POWER_MAX = 12.345678;
+        layer->SWEEP.LASER2.POWER_MAX = 7.0;
+        layer->BLOW = false;
+        f.sync();
+
+        QCOMPARE(f.visibleRows(), 1);
+        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
+        QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), mode);
+        if (mode != QLatin1String("Unknow"))
+            QCOMPARE(f.combo(0, COL_MODE)->currentText(), mode);
+        QTEST(f.editor(0, COL_SPEED)->text(), "speed");
+        QTEST(f.tip(0, COL_SPEED), "speedTip");
+        QTEST(f.editor(0, COL_POWER)->text(), "power");
+        QTEST(f.tip(0, COL_POWER), "powerTip");
+        QCOMPARE(f.editor(0, COL_SPEED)->isEnabled(), workType != WORK_MARK);
+        QCOMPARE(f.editor(0, COL_POWER)->isEnabled(), workType != WORK_MARK);
+        QCOMPARE(f.table->item(0, COL_TYPE)->text(), laser);
+        QCOMPARE(f.table->item(0, COL_TYPE)->toolTip(), laser);
+        QCOMPARE(f.table->item(0, COL_TYPE)->textAlignment(), int(Qt::AlignCenter));
+        QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("Low"));
+        QCOMPARE(f.table->item(0, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>(), static_cast<void *>(layer));
+    }
+
+    void laserNames_data()
+    {
+        QTest::addColumn<QByteArray>("factory");
+        QTest::addColumn<QString>("laser");
+        QTest::newRow("no FactoryParam.ini") << QByteArray() << "Glass";
+        QTest::newRow("glass") << factoryLasers(0, 0) << "Glass";
+        QTest::newRow("RF without burning") << factoryLasers(1, 0) << "RF";
+        QTest::newRow("RF with burning") << factoryLasers(2, 0) << "RF";
+        QTest::newRow("fiber") << factoryLasers(3, 0) << "Fiber";
+        QTest::newRow("semiconductor") << factoryLasers(4, 0) << "Semiconductor laser";
+        QTest::newRow("garbage type 5") << factoryLasers(5, 3) << "Glass";
+        QTest::newRow("garbage text") << QByteArray("[FACTORY_PARAM_LASER]\nLASER1_TYPE=fiber\n") << "Glass";
+    }
+
+    void laserNames()
+    {
+        QFETCH(QByteArray, factory);
+        PanelFixture f(factory);
+        addLayer(*f.manager, 0x123456);
+        f.sync();
+        QTEST(f.table->item(0, COL_TYPE)->text(), "laser");
+    }
+
+    void translatedTexts()
+    {
+        PanelFixture f(factoryLasers(3, 0));
+        addLayer(*f.manager, 0x123456, WORK_CUTTING);
+        addLayer(*f.manager, 0x123457, 7);
+        f.sync();
+        {
+            LanguageGuard chinese(QStringLiteral("Chs"));
+            const QStringList headers{"序号", "模式", "速度", "功率", "类型", "吹气", "输出"};
+            for (int column = 0; column < headers.size(); ++column)
+                QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
+            QCOMPARE(f.combo(0, COL_MODE)->currentText(), QStringLiteral("切割"));
+            QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("强"));
+            QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("光纤"));
+            QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), QStringLiteral("切割"));
+            QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), QStringLiteral("Unknow"));
+            f.panel->SetDualLaser(true);
+            QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("类型⥮"));
+            // The language change touched no layer.
+            QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+            QVERIFY(f.host.calls.isEmpty());
+        }
+        QCOMPARE(f.table->horizontalHeaderItem(COL_NUM)->text(), QStringLiteral("Num"));
+        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
+        QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("Fiber"));
+    }
+
+    void paletteNumbers_data()
+    {
+        QTest::addColumn<quint32>("color");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("rgb");
+        QTest::addColumn<bool>("blackInk");
+        QTest::newRow("black") << 0u << 1 << "0,0,0" << false;
+        QTest::newRow("grey of no layer is black's") << 0x010101u << 1 << "1,1,1" << false;
+        QTest::newRow("standard 1") << 0x0B00FFu << 2 << "11,0,255" << false;
+        QTest::newRow("alternate 5 black text") << 0x01CCFDu << 6 << "1,204,253" << true;
+        QTest::newRow("standard 11 white text") << 0xF7837Fu << 12 << "247,131,127" << false;
+        QTest::newRow("standard 15 black text") << StandardLayerColor(15, false) << 16 << "107,191,255" << true;
+        QTest::newRow("standard 26 small a") << StandardLayerColor(26, false) << 27 << "55,179,129" << false;
+        // A unique number that no other layer holds stays.
+        QTest::newRow("reserved colour keeps its own number") << kReservedColorA << 99 << "204,139,23" << false;
+    }
+
+    void paletteNumbers()
+    {
+        QFETCH(quint32, color);
+        QFETCH(int, number);
+        QFETCH(QString, rgb);
+        QFETCH(bool, blackInk);
+        PanelFixture f;
+        CLayerParam *layer = addLayer(*f.manager, color);
+        layer->AUX_INDEX = 99;
+        f.sync();
+        QCOMPARE(layer->AUX_INDEX, number);
+        QCOMPARE(f.colorButton(0)->text(), CLayerNumberWidget::NumberText(number));
+        QCOMPARE(f.colorButton(0)->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(%1);color:rgb(%2)}")
+                                                     .arg(rgb, blackInk ? "0,0,0" : "255,255,255"));
+        QCOMPARE(f.colorButton(0)->toolTip(), QStringLiteral("01"));
+    }
+
+    void uniqueNumbersFrom37()
+    {
+        PanelFixture f;
+        addLayer(*f.manager, StandardLayerColor(1, false));
+        for (int i = 0; i < 20; ++i)
+            addLayer(*f.manager, plainColor(i));
+        f.sync();
+        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 2);
+        for (int i = 0; i < 20; ++i)
+            QCOMPARE(f.manager->GetLayerAt(quint32(i + 1))->AUX_INDEX, 37 + i);
+        const QStringList letters = f.letters();
+        QCOMPARE((QStringList{letters.at(0), letters.at(1), letters.at(16), letters.at(17), letters.at(20)}),
+                 (QStringList{"B", "k", "z", "I", "IV"}));
+        QCOMPARE(f.numberLabel(20)->text(), QStringLiteral("21"));
+    }
+
+    void uniqueNumbersKeepStored()
+    {
+        PanelFixture f;
+        const int stored[] = {40, 40, -1, 37, 38};
+        for (int i = 0; i < 5; ++i)
+            addLayer(*f.manager, plainColor(i))->AUX_INDEX = stored[i];
+        f.sync();
+        // The first 40 is shared, so it moves to the lowest free number; the second keeps it;
+        // 37 and 38 are held, so -1 gets 41.
+        const int expected[] = {39, 40, 41, 37, 38};
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(f.manager->GetLayerAt(quint32(i))->AUX_INDEX, expected[i]);
+
+        // Later refills without new layers keep whatever is stored.
+        f.manager->GetLayerAt(0)->AUX_INDEX = 40;
+        f.sync();
+        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 40);
+        QCOMPARE(f.colorButton(0)->text(), QStringLiteral("n"));
+
+        // A new layer renumbers the duplicates.
+        addLayer(*f.manager, plainColor(9));
+        f.sync();
+        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 39);
+        QCOMPARE(f.manager->GetLayerAt(5)->AUX_INDEX, 42);
+    }
+
+    void heldBackSpecialLayerGetsNumber()
+    {
+        PanelFixture f;
+        g_pLayerPanel = f.panel.get();
+        CShapeList shapes;
+        for (quint32 color : {plainColor(0), quint32(kReservedColorA), StandardLayerColor(1, false)})
+            shapes.AddTail(new CShape(color));
+        f.manager->UpdateLayers(&shapes);
+        // The special layer joins the list after the panel was told.
+        QCOMPARE(f.manager->GetLayerCount(), 3u);
+        QCOMPARE(f.visibleRows(), 2);
+        QCOMPARE(f.manager->GetLayerByColor(kReservedColorA)->AUX_INDEX, -1);
+
+        // The next refill shows it, with a number of its own.
         f.panel->SetDualLaser(true);
-        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("类型⥮"));
-        // The language change touched no layer.
-        QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+        QCOMPARE(f.visibleRows(), 3);
+        QCOMPARE(f.manager->GetLayerAt(2)->COLOR, kReservedColorA);
+        QCOMPARE(f.manager->GetLayerAt(2)->AUX_INDEX, 38);
+        QCOMPARE(f.colorButton(2)->text(), QStringLiteral("l"));
+        QCOMPARE(f.manager->GetLayerByColor(plainColor(0))->AUX_INDEX, 37);
+    }
+
+    void rowGrowthAndSpareRows()
+    {
+        PanelFixture f;
+        for (int i = 0; i < 11; ++i)
+            addLayer(*f.manager, plainColor(i));
+        f.sync();
+        QCOMPARE(f.table->rowCount(), 14);
+        for (int row = 0; row < 14; ++row)
+            QCOMPARE(f.table->isRowHidden(row), row >= 11);
+        QCOMPARE(f.numberLabel(10)->text(), QStringLiteral("11"));
+
+        // Fewer layers hide rows but never delete them, nor keep their layers.
+        CShapeList shapes;
+        for (int i = 0; i < 3; ++i)
+            shapes.AddTail(new CShape(plainColor(i)));
+        g_pLayerPanel = f.panel.get();
+        f.manager->UpdateLayers(&shapes);
+        QCOMPARE(f.table->rowCount(), 14);
+        QCOMPARE(f.visibleRows(), 3);
+        QVERIFY(!f.table->item(5, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>());
+    }
+
+    void syncRefillsOnlyOnChange()
+    {
+        PanelFixture f;
+        CLayerParam *layer = addLayer(*f.manager, plainColor(1));
+        f.sync();
+        f.numberLabel(0)->setText(QStringLiteral("xx"));
+        f.sync();
+        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("xx"));
+        layer->CUT.CUT_SPEED = 42.0;
+        f.sync();
+        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
+        QCOMPARE(f.editor(0, COL_SPEED)->text(), QStringLiteral("42"));
+        f.numberLabel(0)->setText(QStringLiteral("yy"));
+        f.sync(true);
+        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
+    }
+
+    void speedsInUnitModes_data()
+    {
+        QTest::addColumn<int>("unitMode");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("tip");
+        // 25.4 mm/s.
+        QTest::newRow("inch/s") << 0 << "1" << "1.0";
+        QTest::newRow("mm/s") << 1 << "25" << "25.4";
+        QTest::newRow("inch/min") << 2 << "60" << "60.0";
+        QTest::newRow("mm/min") << 3 << "1524" << "1524.0";
+        QTest::newRow("garbage mode as mm/s") << 42 << "25" << "25.4";
+    }
+
+    void speedsInUnitModes()
+    {
+        QFETCH(int, unitMode);
+        PanelFixture f;
+        addLayer(*f.manager, plainColor(1), WORK_CUTTING)->CUT.CUT_SPEED = 25.4;
+        addLayer(*f.manager, plainColor(2), WORK_SHALLOW_ENGRAVE)->SWEEP.SWEEP_SPEED = 25.4;
+        addLayer(*f.manager, plainColor(3), WORK_MARK);
+        f.sync();
+        g_LayerContext.m_unitMode = unitMode;
+        f.panel->RefreshSpeeds();
+        for (int row = 0; row < 2; ++row) {
+            QTEST(f.editor(row, COL_SPEED)->text(), "shown");
+            QTEST(f.tip(row, COL_SPEED), "tip");
+        }
+        QCOMPARE(f.editor(2, COL_SPEED)->text(), QStringLiteral("/"));
         QVERIFY(f.host.calls.isEmpty());
     }
-    QCOMPARE(f.table->horizontalHeaderItem(COL_NUM)->text(), QStringLiteral("Num"));
-    QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
-    QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("Fiber"));
-}
 
-void tst_DlgLayerMgr::paletteNumbers_data()
-{
-    QTest::addColumn<quint32>("color");
-    QTest::addColumn<int>("number");
-    QTest::addColumn<QString>("sheet");
+    void typeHeaderToggleNeedsTwoLasers()
+    {
+        PanelFixture f(factoryLasers(3, 0));
+        addLayer(*f.manager, plainColor(1))->CUT.LASER1.ENABLE = true;
+        addLayer(*f.manager, plainColor(2))->CUT.LASER1.ENABLE = false;
+        f.sync();
+        QVERIFY(f.show());
+        QHeaderView *header = f.table->horizontalHeader();
+        const QPoint typeHeader(header->sectionViewportPosition(COL_TYPE) + 5, header->height() / 2);
+        auto clickType = [&] { QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, typeHeader); };
+        auto typeShown = [&f] {
+            return QStringList{f.table->item(0, COL_TYPE)->text(), f.table->item(1, COL_TYPE)->text()};
+        };
+        const QStringList fiberFirst{"Fiber", "Glass"};
+        const QStringList rfFirst{"Glass", "Fiber"};
+        QCOMPARE(typeShown(), fiberFirst);
+        clickType();
+        QCOMPARE(typeShown(), fiberFirst);
+        QVERIFY(f.host.calls.isEmpty());
+        QVERIFY(f.panel->TypeToggle());
 
-    QTest::newRow("black") << 0u << 1
-                           << "QPushButton{background-color:rgb(0,0,0);color:rgb(255,255,255)}";
-    QTest::newRow("grey of no layer is black's")
-        << 0x010101u << 1 << "QPushButton{background-color:rgb(1,1,1);color:rgb(255,255,255)}";
-    QTest::newRow("standard 1") << 0x0B00FFu << 2
-                                << "QPushButton{background-color:rgb(11,0,255);color:rgb(255,255,255)}";
-    QTest::newRow("alternate 5 black text")
-        << 0x01CCFDu << 6 << "QPushButton{background-color:rgb(1,204,253);color:rgb(0,0,0)}";
-    QTest::newRow("standard 11 white text")
-        << 0xF7837Fu << 12 << "QPushButton{background-color:rgb(247,131,127);color:rgb(255,255,255)}";
-    QTest::newRow("standard 15 black text")
-        << StandardLayerColor(15, false) << 16
-        << "QPushButton{background-color:rgb(107,191,255);color:rgb(0,0,0)}";
-    QTest::newRow("standard 26 small a")
-        << StandardLayerColor(26, false) << 27
-        << "QPushButton{background-color:rgb(55,179,129);color:rgb(255,255,255)}";
-    // A unique number that no other layer holds stays.
-    QTest::newRow("reserved colour keeps its own number")
-        << kReservedColorA << 99
-        << "QPushButton{background-color:rgb(204,139,23);color:rgb(255,255,255)}";
-}
+        f.panel->SetDualLaser(true);
+        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
+        clickType();
+        QCOMPARE(typeShown(), rfFirst);
+        QCOMPARE(f.host.calls, (QStringList{"LayerEvent 0", "RefreshView"}));
+        QVERIFY(!f.manager->FiberFirst());
+        // Other headers do nothing.
+        header->sectionClicked(COL_SPEED);
+        QCOMPARE(typeShown(), rfFirst);
+        clickType();
+        QCOMPARE(typeShown(), fiberFirst);
+        QCOMPARE(f.host.calls.size(), 4);
 
-void tst_DlgLayerMgr::paletteNumbers()
-{
-    QFETCH(quint32, color);
-    QFETCH(int, number);
-    QFETCH(QString, sheet);
-    PanelFixture f;
-    CLayerParam *layer = addLayer(*f.manager, color);
-    layer->AUX_INDEX = 99;
-    f.sync();
-    QCOMPARE(layer->AUX_INDEX, number);
-    QCOMPARE(f.colorButton(0)->text(), CLayerNumberWidget::NumberText(number));
-    QCOMPARE(f.colorButton(0)->styleSheet(), sheet);
-    QCOMPARE(f.colorButton(0)->toolTip(), QStringLiteral("01"));
-}
-
-void tst_DlgLayerMgr::uniqueNumbersFrom37()
-{
-    PanelFixture f;
-    addLayer(*f.manager, StandardLayerColor(1, false));
-    for (int i = 0; i < 20; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-
-    QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 2);
-    for (int i = 0; i < 20; ++i)
-        QCOMPARE(f.manager->GetLayerAt(quint32(i + 1))->AUX_INDEX, 37 + i);
-    const QStringList letters = f.letters();
-    QCOMPARE(letters.at(0), QStringLiteral("B"));
-    QCOMPARE(letters.at(1), QStringLiteral("k"));
-    QCOMPARE(letters.at(16), QStringLiteral("z"));
-    QCOMPARE(letters.at(17), QStringLiteral("I"));
-    QCOMPARE(letters.at(20), QStringLiteral("IV"));
-    QCOMPARE(f.numberLabel(20)->text(), QStringLiteral("21"));
-}
-
-void tst_DlgLayerMgr::uniqueNumbersKeepStored()
-{
-    PanelFixture f;
-    const int stored[] = {40, 40, -1, 37, 38};
-    for (int i = 0; i < 5; ++i)
-        addLayer(*f.manager, plainColor(i))->AUX_INDEX = stored[i];
-    f.sync();
-    // The first 40 is shared, so it moves to the lowest free number; the
-    // second keeps it; 37 and 38 are held, so -1 gets 39.
-    const int expected[] = {39, 40, 41, 37, 38};
-    for (int i = 0; i < 5; ++i)
-        QCOMPARE(f.manager->GetLayerAt(quint32(i))->AUX_INDEX, expected[i]);
-
-    // Later refills without new layers keep whatever is stored.
-    f.manager->GetLayerAt(0)->AUX_INDEX = 40;
-    f.sync();
-    QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 40);
-    QCOMPARE(f.colorButton(0)->text(), QStringLiteral("n"));
-
-    // A new layer renumbers the duplicates.
-    addLayer(*f.manager, plainColor(9));
-    f.sync();
-    QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 39);
-    QCOMPARE(f.manager->GetLayerAt(5)->AUX_INDEX, 42);
-}
-
-void tst_DlgLayerMgr::heldBackSpecialLayerGetsNumber()
-{
-    PanelFixture f;
-    g_pLayerPanel = f.panel.get();
-    CShapeList shapes;
-    shapes.AddTail(new CShape(plainColor(0)));
-    shapes.AddTail(new CShape(kReservedColorA));
-    shapes.AddTail(new CShape(StandardLayerColor(1, false)));
-    f.manager->UpdateLayers(&shapes);
-    // The special layer joins the list after the panel was told.
-    QCOMPARE(f.manager->GetLayerCount(), 3u);
-    QCOMPARE(f.visibleRows(), 2);
-    QCOMPARE(f.manager->GetLayerByColor(kReservedColorA)->AUX_INDEX, -1);
-
-    // The next refill shows it, with a number of its own.
-    f.panel->SetDualLaser(true);
-    QCOMPARE(f.visibleRows(), 3);
-    QCOMPARE(f.manager->GetLayerAt(2)->COLOR, kReservedColorA);
-    QCOMPARE(f.manager->GetLayerAt(2)->AUX_INDEX, 38);
-    QCOMPARE(f.colorButton(2)->text(), QStringLiteral("l"));
-    QCOMPARE(f.manager->GetLayerByColor(plainColor(0))->AUX_INDEX, 37);
-}
-
-void tst_DlgLayerMgr::rowGrowthAndSpareRows()
-{
-    PanelFixture f;
-    for (int i = 0; i < 11; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-    QCOMPARE(f.table->rowCount(), 14);
-    for (int row = 0; row < 14; ++row)
-        QCOMPARE(f.table->isRowHidden(row), row >= 11);
-    QCOMPARE(f.numberLabel(10)->text(), QStringLiteral("11"));
-
-    // Fewer layers hide rows but never delete them, nor keep their layers.
-    CShapeList shapes;
-    for (int i = 0; i < 3; ++i)
-        shapes.AddTail(new CShape(plainColor(i)));
-    g_pLayerPanel = f.panel.get();
-    f.manager->UpdateLayers(&shapes);
-    QCOMPARE(f.table->rowCount(), 14);
-    QCOMPARE(f.visibleRows(), 3);
-    QVERIFY(!f.table->item(5, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>());
-}
-
-void tst_DlgLayerMgr::syncRefillsOnlyOnChange()
-{
-    PanelFixture f;
-    CLayerParam *layer = addLayer(*f.manager, plainColor(1));
-    f.sync();
-    f.numberLabel(0)->setText(QStringLiteral("xx"));
-    f.sync();
-    QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("xx"));
-
-    layer->CUT.CUT_SPEED = 42.0;
-    f.sync();
-    QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
-    QCOMPARE(f.editor(0, COL_SPEED)->text(), QStringLiteral("42"));
-
-    f.numberLabel(0)->setText(QStringLiteral("yy"));
-    f.sync(true);
-    QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
-}
-
-void tst_DlgLayerMgr::speedsInUnitModes_data()
-{
-    QTest::addColumn<int>("unitMode");
-    QTest::addColumn<QString>("shown");
-    QTest::addColumn<QString>("tip");
-
-    // 25.4 mm/s.
-    QTest::newRow("inch/s") << 0 << "1" << "1.0";
-    QTest::newRow("mm/s") << 1 << "25" << "25.4";
-    QTest::newRow("inch/min") << 2 << "60" << "60.0";
-    QTest::newRow("mm/min") << 3 << "1524" << "1524.0";
-    QTest::newRow("garbage mode as mm/s") << 42 << "25" << "25.4";
-}
-
-void tst_DlgLayerMgr::speedsInUnitModes()
-{
-    QFETCH(int, unitMode);
-    QFETCH(QString, shown);
-    QFETCH(QString, tip);
-    PanelFixture f;
-    addLayer(*f.manager, plainColor(1), WORK_CUTTING)->CUT.CUT_SPEED = 25.4;
-    addLayer(*f.manager, plainColor(2), WORK_SHALLOW_ENGRAVE)->SWEEP.SWEEP_SPEED = 25.4;
-    addLayer(*f.manager, plainColor(3), WORK_MARK);
-    g_LayerContext.m_unitMode = 1;
-    f.sync();
-
-    g_LayerContext.m_unitMode = unitMode;
-    f.panel->RefreshSpeeds();
-    for (int row = 0; row < 2; ++row) {
-        QCOMPARE(f.editor(row, COL_SPEED)->text(), shown);
-        QCOMPARE(f.cell<CLayerLineEditWidget>(row, COL_SPEED)->toolTip(), tip);
+        f.panel->SetDualLaser(false);
+        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QStringLiteral("Type"));
     }
-    QCOMPARE(f.editor(2, COL_SPEED)->text(), QStringLiteral("/"));
-    QVERIFY(f.host.calls.isEmpty());
-}
 
-void tst_DlgLayerMgr::typeHeaderToggleNeedsTwoLasers()
-{
-    PanelFixture f(factoryLasers(3, 0));
-    addLayer(*f.manager, plainColor(1))->CUT.LASER1.ENABLE = true;
-    addLayer(*f.manager, plainColor(2))->CUT.LASER1.ENABLE = false;
-    f.sync();
-    QVERIFY(f.show());
-    QHeaderView *header = f.table->horizontalHeader();
-    const QPoint typeHeader(header->sectionViewportPosition(COL_TYPE) + 5, header->height() / 2);
-    auto typeShown = [&f] {
-        return QStringList{f.table->item(0, COL_TYPE)->text(), f.table->item(1, COL_TYPE)->text()};
-    };
-    const QStringList fiberFirst{"Fiber", "Glass"};
-    const QStringList rfFirst{"Glass", "Fiber"};
-    QCOMPARE(typeShown(), fiberFirst);
-
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, typeHeader);
-    QCOMPARE(typeShown(), fiberFirst);
-    QVERIFY(f.host.calls.isEmpty());
-    QVERIFY(f.panel->TypeToggle());
-
-    f.panel->SetDualLaser(true);
-    QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, typeHeader);
-    QCOMPARE(typeShown(), rfFirst);
-    QCOMPARE(f.host.calls, (QStringList{"LayerEvent 0", "RefreshView"}));
-    QVERIFY(!f.manager->FiberFirst());
-
-    // Other headers do nothing.
-    header->sectionClicked(COL_SPEED);
-    QCOMPARE(typeShown(), rfFirst);
-
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, typeHeader);
-    QCOMPARE(typeShown(), fiberFirst);
-    QCOMPARE(f.host.calls.size(), 4);
-
-    f.panel->SetDualLaser(false);
-    QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QStringLiteral("Type"));
-}
-
-void tst_DlgLayerMgr::rightClickSelectsRow()
-{
-    PanelFixture f;
-    for (int i = 0; i < 4; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-    QVERIFY(f.show());
-    QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier, f.centre(2, COL_TYPE));
-    QCOMPARE(f.panel->CurrentRow(), 2);
-    QVERIFY(f.table->selectionModel()->isRowSelected(2, QModelIndex()));
-    QCOMPARE(f.panel->CurrentLayerColor(), plainColor(2));
-    QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
-    QTest::mouseRelease(f.table->viewport(), Qt::RightButton, Qt::NoModifier, f.centre(2, COL_TYPE));
-
-    // Below the rows there is nothing to select.
-    f.host.calls.clear();
-    QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier,
-                      QPoint(10, f.table->viewport()->height() - 5));
-    QCOMPARE(f.panel->CurrentRow(), 2);
-    QVERIFY(f.host.calls.isEmpty());
-}
-
-void tst_DlgLayerMgr::cellClickMakesRowCurrent()
-{
-    PanelFixture f;
-    for (int i = 0; i < 5; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-    QVERIFY(f.show());
-    f.env.clearLog();
-    QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, f.centre(3, COL_TYPE));
-    QCOMPARE(f.env.logLines(), QStringList{"1|clickd row 3, column 4"});
-    QCOMPARE(f.panel->CurrentRow(), 3);
-    QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
-
-    QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, f.centre(3, COL_TYPE));
-    QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
-    QCOMPARE(f.env.logLines().size(), 2);
-}
-
-void tst_DlgLayerMgr::outputButtonFlipsOutput()
-{
-    PanelFixture f;
-    for (int i = 0; i < 3; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-    QVERIFY(f.show());
-    f.env.clearLog();
-
-    QTest::mouseClick(f.eye(1), Qt::LeftButton);
-    QVERIFY(!f.manager->GetLayerAt(1)->OUTPUT);
-    QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
-    QCOMPARE(iconImage(f.eye(1)->icon()), iconImage(QIcon(kIconDir + "LayerCloseEye.svg")));
-    QVERIFY(!f.eye(1)->isChecked());
-    QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
-    QCOMPARE(f.env.logLines(),
-             (QStringList{"0|pushButton_layerEye was clicked.", "1|clicke index 1,6"}));
-
-    QTest::mouseClick(f.eye(1), Qt::LeftButton);
-    QVERIFY(f.manager->GetLayerAt(1)->OUTPUT);
-    QCOMPARE(iconImage(f.eye(1)->icon()), iconImage(QIcon(kIconDir + "LayerEye.svg")));
-    QVERIFY(f.eye(1)->isChecked());
-
-    // The host asks the manager; the panel's rows follow its answer.
-    QList<quint32> off;
-    f.manager->GetLayerAt(2)->OUTPUT = false;
-    f.sync();
-    QCOMPARE(iconImage(f.eye(2)->icon()), iconImage(QIcon(kIconDir + "LayerCloseEye.svg")));
-    f.manager->GetNonOutputColors(off);
-    QCOMPARE(off, QList<quint32>{plainColor(2)});
-}
-
-void tst_DlgLayerMgr::outputCellClickFlipsOutput()
-{
-    PanelFixture f;
-    addLayer(*f.manager, plainColor(0));
-    addLayer(*f.manager, plainColor(1));
-    f.sync();
-    f.table->cellClicked(1, COL_OUTPUT);
-    QVERIFY(!f.manager->GetLayerAt(1)->OUTPUT);
-    QCOMPARE(iconImage(f.eye(1)->icon()), iconImage(QIcon(kIconDir + "LayerCloseEye.svg")));
-    QCOMPARE(f.host.calls, (QStringList{"CurrentLayerChanged", "LayersChanged"}));
-}
-
-void tst_DlgLayerMgr::missingItemIsLogged()
-{
-    PanelFixture f;
-    addLayer(*f.manager, plainColor(0));
-    f.sync();
-    QVERIFY(f.show());
-    delete f.table->takeItem(0, COL_MODE);
-    f.env.clearLog();
-    QTest::mouseClick(f.eye(0), Qt::LeftButton);
-    QVERIFY(f.env.logLines().contains(QStringLiteral("3|787 item null !!!")));
-    QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
-    QVERIFY(f.host.calls.isEmpty());
-    f.panel->RefreshSpeeds();
-    QCOMPARE(f.panel->CurrentLayerColor(), plainColor(0));
-}
-
-void tst_DlgLayerMgr::modeEdit_data()
-{
-    QTest::addColumn<bool>("fillLocked");
-    QTest::addColumn<int>("before");
-    QTest::addColumn<QString>("choice");
-    QTest::addColumn<int>("after");
-    QTest::addColumn<QString>("speed");
-
-    QTest::newRow("cutting to mark") << false << 0 << "Mark" << 4 << "/";
-    QTest::newRow("mark to scoring") << false << 4 << "Scoring" << 1 << "10";
-    QTest::newRow("cutting to shallow engrave") << false << 0 << "Shallow Engrave" << 2 << "20";
-    QTest::newRow("locked fill to deep engrave") << true << 2 << "Deep Engrave" << 3 << "20";
-}
-
-void tst_DlgLayerMgr::modeEdit()
-{
-    QFETCH(bool, fillLocked);
-    QFETCH(int, before);
-    QFETCH(QString, choice);
-    QFETCH(int, after);
-    QFETCH(QString, speed);
-    PanelFixture f;
-    g_LayerContext.m_unitMode = 1;
-    addLayer(*f.manager, plainColor(0));
-    CLayerParam *layer = addLayer(*f.manager, plainColor(1), before);
-    layer->FILL_LOCKED = fillLocked;
-    layer->CUT.CUT_SPEED = 10;
-    layer->SWEEP.SWEEP_SPEED = 20;
-    f.sync();
-    QCOMPARE(f.combo(1, COL_MODE)->count(), fillLocked ? 2 : 5);
-
-    f.combo(1, COL_MODE)->setCurrentText(choice);
-    QCOMPARE(layer->WORK_TYPE, after);
-    QCOMPARE(f.panel->ScratchLayer().WORK_TYPE, before);
-    QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), choice);
-    QCOMPARE(f.editor(1, COL_SPEED)->text(), speed);
-    QCOMPARE(f.editor(1, COL_SPEED)->isEnabled(), after != WORK_MARK);
-    QCOMPARE(f.editor(1, COL_POWER)->isEnabled(), after != WORK_MARK);
-    QCOMPARE(f.host.calls, (QStringList{"LayersChanged", "LayerEvent 2", "RefreshView"}));
-    QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
-}
-
-void tst_DlgLayerMgr::valueEdit_data()
-{
-    QTest::addColumn<int>("workType");
-    QTest::addColumn<int>("unitMode");
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<double>("speed");
-    QTest::addColumn<double>("power");
-
-    // Stored before: line speed 12.25, fill speed 30, all powers 20.
-    QTest::newRow("cutting speed") << 0 << 1 << int(COL_SPEED) << "120" << 120.0 << 20.0;
-    QTest::newRow("scoring power") << 1 << 1 << int(COL_POWER) << "45.5" << 12.25 << 45.5;
-    QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0;
-    QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5;
-    QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0;
-    QTest::newRow("garbage speed above range refused")
-        << 0 << 1 << int(COL_SPEED) << "5000" << 12.25 << 20.0;
-    QTest::newRow("garbage power above range refused")
-        << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 20.0;
-    QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25
-                                             << 20.0;
-}
-
-void tst_DlgLayerMgr::valueEdit()
-{
-    QFETCH(int, workType);
-    QFETCH(int, unitMode);
-    QFETCH(int, column);
-    QFETCH(QString, typed);
-    QFETCH(double, speed);
-    QFETCH(double, power);
-    PanelFixture f;
-    g_LayerContext.m_unitMode = unitMode;
-    CLayerParam *layer = addLayer(*f.manager, plainColor(0), workType);
-    layer->CUT.CUT_SPEED = 12.25;
-    layer->SWEEP.SWEEP_SPEED = 30.0;
-    for (LaserParam *laser : {&layer->CUT.LASER1, &layer->CUT.LASER2, &layer->SWEEP.LASER1,
-                              &layer->SWEEP.LASER2})
-        laser->POWER_MAX = 20.0;
-    f.sync();
-    QVERIFY(f.show());
-
-    QLineEdit *edit = f.editor(0, column);
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClicks(edit, typed);
-    QTest::keyClick(edit, Qt::Key_Return);
-
-    const bool line = workType <= WORK_SCORING;
-    QCOMPARE(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, speed);
-    QCOMPARE(line ? layer->CUT.LASER1.POWER_MAX : layer->SWEEP.LASER1.POWER_MAX, power);
-    QCOMPARE(line ? layer->CUT.LASER2.POWER_MAX : layer->SWEEP.LASER2.POWER_MAX, power);
-    // The other process block is left alone.
-    QCOMPARE(line ? layer->SWEEP.LASER1.POWER_MAX : layer->CUT.LASER1.POWER_MAX, 20.0);
-}
-
-void tst_DlgLayerMgr::airEdit()
-{
-    PanelFixture f;
-    CLayerParam *layer = addLayer(*f.manager, plainColor(0));
-    f.sync();
-    QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("High"));
-    f.combo(0, COL_AIR)->setCurrentText(QStringLiteral("Low"));
-    QVERIFY(!layer->BLOW);
-    QVERIFY(f.panel->ScratchLayer().BLOW);
-    QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
-    f.combo(0, COL_AIR)->setCurrentIndex(0);
-    QVERIFY(layer->BLOW);
-}
-
-void tst_DlgLayerMgr::destroyedWhileEditing()
-{
-    PanelFixture f;
-    CLayerParam *layer = addLayer(*f.manager, plainColor(0));
-    layer->CUT.CUT_SPEED = 12.0;
-    f.sync();
-    QVERIFY(f.show());
-    f.panel->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
-    QLineEdit *edit = f.editor(0, COL_SPEED);
-    QTest::mouseClick(edit, Qt::LeftButton);
-    edit->selectAll();
-    QTest::keyClicks(edit, QStringLiteral("77"));
-    QVERIFY(edit->hasFocus());
-    // The editor loses its focus while the panel is half gone: nothing may
-    // reach the panel any more.
-    f.panel.reset();
-    QCOMPARE(layer->CUT.CUT_SPEED, 12.0);
-    QVERIFY(f.host.calls.isEmpty());
-}
-
-void tst_DlgLayerMgr::rightButtonInValueEditor()
-{
-    PanelFixture f;
-    for (int i = 0; i < 3; ++i)
-        addLayer(*f.manager, plainColor(i));
-    f.sync();
-    QVERIFY(f.show());
-    QTest::mousePress(f.editor(2, COL_POWER), Qt::RightButton);
-    QCOMPARE(f.panel->CurrentRow(), 2);
-    QCOMPARE(f.panel->CurrentLayerColor(), plainColor(2));
-    QVERIFY(f.table->selectionModel()->isRowSelected(2, QModelIndex()));
-    QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
-}
-
-void tst_DlgLayerMgr::wheelOverModeKeepsLayer()
-{
-    PanelFixture f;
-    for (int i = 0; i < 30; ++i)
-        addLayer(*f.manager, plainColor(i), WORK_SCORING);
-    f.sync();
-    QVERIFY(f.show());
-    QComboBox *combo = f.combo(1, COL_MODE);
-    const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
-    QWheelEvent wheel(pos, combo->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(combo, &wheel);
-    QCOMPARE(f.manager->GetLayerAt(1)->WORK_TYPE, int(WORK_SCORING));
-    QVERIFY(f.table->verticalScrollBar()->value() > 0);
-    QVERIFY(f.host.calls.isEmpty());
-}
-
-void tst_DlgLayerMgr::dragReordersLayers()
-{
-    PanelFixture f;
-    for (quint32 n = 1; n <= 5; ++n)
-        addLayer(*f.manager, StandardLayerColor(n, false));
-    f.sync();
-    QVERIFY(f.show());
-    QCOMPARE(f.letters(), (QStringList{"B", "C", "D", "E", "F"}));
-
-    const QPoint from = f.centre(0, COL_TYPE);
-    QTest::mousePress(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
-    QTest::mouseRelease(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
-    f.host.calls.clear();
-    std::unique_ptr<QMimeData> data(f.table->model()->mimeData({f.table->model()->index(0, 0)}));
-    const QPoint target = f.centre(4, COL_TYPE) + QPoint(0, 5);
-    QDragEnterEvent enter(from, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(f.table->viewport(), &enter);
-    QDragMoveEvent move(target, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(f.table->viewport(), &move);
-    QDropEvent drop(QPointF(target), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(f.table->viewport(), &drop);
-
-    QCOMPARE(f.manager->GetLayerAt(4)->COLOR, StandardLayerColor(1, false));
-    QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
-    QCOMPARE(f.numberLabel(4)->text(), QStringLiteral("05"));
-    QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
-    QVERIFY(f.table->selectionModel()->isRowSelected(4, QModelIndex()));
-}
-
-void tst_DlgLayerMgr::moveWithBadIndicesKeepsOrder()
-{
-    PanelFixture f;
-    for (quint32 n = 1; n <= 3; ++n)
-        addLayer(*f.manager, StandardLayerColor(n, false));
-    f.sync();
-    f.panel->MoveLayerSlot(-1, 2);
-    f.panel->MoveLayerSlot(1, 7);
-    QCOMPARE(f.letters(), (QStringList{"B", "C", "D"}));
-
-    // Without a manager nothing happens at all.
-    DlgLayerMgr lonely;
-    lonely.MoveLayerSlot(0, 1);
-    lonely.HorzHeaderClickedSlot(4);
-    lonely.SelectPendingColors();
-    lonely.RefreshSpeeds();
-    lonely.SetDualLaser(true);
-    lonely.SyncLayers(nullptr, true);
-    QCOMPARE(lonely.CurrentLayerColor(), 0u);
-}
-
-void tst_DlgLayerMgr::doubleClickWithoutLibraryDialog()
-{
-    PanelFixture f;
-    for (int i = 0; i < 4; ++i)
-        addLayer(*f.manager, plainColor(i), i % 4);
-    f.sync();
-    QVERIFY(f.show());
-    f.env.clearLog();
-    doubleClick(f.table->viewport(), f.centre(2, COL_TYPE));
-    QVERIFY(linesOfLevel(f.env.logLines(), 0).contains("tableWidget item was double clicked."));
-    QCOMPARE(f.panel->CurrentRow(), 2);
-    QCOMPARE(f.panel->ScratchLayer(), *f.manager->GetLayerAt(2));
-}
-
-void tst_DlgLayerMgr::doubleClickOpensLibraryDialog_data()
-{
-    QTest::addColumn<bool>("accept");
-    QTest::addColumn<bool>("onButton");
-    QTest::newRow("accepted from row") << true << false;
-    QTest::newRow("cancelled from row") << false << false;
-    QTest::newRow("accepted from colour button") << true << true;
-}
-
-void tst_DlgLayerMgr::doubleClickOpensLibraryDialog()
-{
-    QFETCH(bool, accept);
-    QFETCH(bool, onButton);
-    PanelFixture f;
-    for (quint32 n = 1; n <= 3; ++n)
-        addLayer(*f.manager, StandardLayerColor(n, false));
-    f.sync();
-    QVERIFY(f.show());
-
-    LayerLibraryRequest seen;
-    int opened = 0;
-    f.panel->SetLibraryDialogOpener([&](const LayerLibraryRequest &request) {
-        ++opened;
-        seen = request;
-        // What the dialog does on OK: new parameters into the layer.
-        f.manager->GetLayerAt(quint32(request.row))->CUT.CUT_SPEED = 77.0;
-        return accept;
-    });
-    f.host.calls.clear();
-    if (onButton)
-        QTest::mouseDClick(f.colorButton(1), Qt::LeftButton);
-    else
-        doubleClick(f.table->viewport(), f.centre(1, COL_TYPE));
-
-    QCOMPARE(opened, 1);
-    QCOMPARE(seen.row, 1);
-    QCOMPARE(seen.parent, static_cast<QWidget *>(f.panel.get()));
-    QCOMPARE(seen.manager, f.manager.get());
-    QCOMPARE(seen.host, static_cast<ILayerHost *>(&f.host));
-    QCOMPARE(seen.layer->COLOR, StandardLayerColor(2, false));
-    QCOMPARE(seen.numberTexts, (QStringList{"B", "C", "D"}));
-    QCOMPARE(f.panel->CurrentRow(), 1);
-    const bool saved = QFile::exists(f.env.dataFile(QStringLiteral("old.lpl")));
-    QCOMPARE(saved, accept);
-    QCOMPARE(f.host.calls.count(QStringLiteral("LayersChanged")), accept ? 1 : 0);
-    QCOMPARE(f.editor(1, COL_SPEED)->text(), accept ? QStringLiteral("77") : QStringLiteral("1"));
-}
-
-void tst_DlgLayerMgr::selectPendingColors_data()
-{
-    QTest::addColumn<QList<quint32>>("pending");
-    QTest::addColumn<int>("selected");
-    QTest::addColumn<int>("current");
-
-    const QList<quint32> none;
-    QTest::newRow("none keeps current row") << none << 1 << 1;
-    QTest::newRow("one becomes current") << QList<quint32>{plainColor(3)} << 3 << 3;
-    // Rows are selected in table order; single selection keeps the last.
-    QTest::newRow("several") << QList<quint32>{plainColor(4), plainColor(2)} << 4 << 1;
-    QTest::newRow("reserved colour never matched")
-        << QList<quint32>{kReservedColorA} << 1 << 1;
-    QTest::newRow("garbage unknown colour") << QList<quint32>{0xFFFFFEu} << 1 << 1;
-}
-
-void tst_DlgLayerMgr::selectPendingColors()
-{
-    QFETCH(QList<quint32>, pending);
-    QFETCH(int, selected);
-    QFETCH(int, current);
-    PanelFixture f;
-    for (int i = 0; i < 5; ++i)
-        addLayer(*f.manager, plainColor(i));
-    addLayer(*f.manager, kReservedColorA);
-    f.sync();
-    f.table->cellClicked(1, COL_TYPE);
-    for (quint32 color : std::as_const(pending)) {
-        f.panel->AddPendingColor(color);
-        f.panel->AddPendingColor(color);
+    void pressMakesRowCurrent_data()
+    {
+        QTest::addColumn<QString>("where");
+        QTest::addColumn<QStringList>("log");
+        QTest::newRow("right button on a row") << "row right" << QStringList();
+        QTest::newRow("right button in a value editor") << "editor right" << QStringList();
+        QTest::newRow("left click on a cell") << "row left" << QStringList{"clickd row 2, column 4"};
     }
-    f.panel->SelectPendingColors();
-    const QModelIndexList rows = f.table->selectionModel()->selectedRows();
-    QCOMPARE(rows.size(), 1);
-    QCOMPARE(rows.first().row(), selected);
-    QCOMPARE(f.panel->CurrentRow(), current);
-}
 
-void tst_DlgLayerMgr::selectLayersOfShapes()
-{
-    PanelFixture f;
-    g_pLayerPanel = f.panel.get();
-    CShapeList shapes;
-    for (int i = 0; i < 6; ++i) {
-        auto *shape = new CShape(plainColor(i));
-        shape->SetSelected(i == 4);
-        shapes.AddTail(shape);
+    void pressMakesRowCurrent()
+    {
+        QFETCH(QString, where);
+        PanelFixture f;
+        QVERIFY(f.withLayers(4));
+        f.env.clearLog();
+        const QPoint row2 = f.centre(2, COL_TYPE);
+        if (where == QLatin1String("row right"))
+            QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier, row2);
+        else if (where == QLatin1String("editor right"))
+            QTest::mousePress(f.editor(2, COL_POWER), Qt::RightButton);
+        else
+            QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, row2);
+        QCOMPARE(f.panel->CurrentRow(), 2);
+        QCOMPARE(f.panel->CurrentLayerColor(), plainColor(2));
+        QVERIFY(f.selected(2));
+        QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
+        QTEST(linesOfLevel(f.env.logLines(), 1), "log");
+        if (where == QLatin1String("row right"))
+            QTest::mouseRelease(f.table->viewport(), Qt::RightButton, Qt::NoModifier, row2);
+
+        // The current row again tells the host nothing; below the rows there is nothing to select.
+        if (where == QLatin1String("row left")) {
+            QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, row2);
+            QCOMPARE(f.env.logLines().size(), 2);
+        }
+        QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier,
+                          QPoint(10, f.table->viewport()->height() - 5));
+        QCOMPARE(f.panel->CurrentRow(), 2);
+        QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
     }
-    f.manager->UpdateLayers(&shapes);
-    QCOMPARE(f.visibleRows(), 6);
-    f.manager->SelectLayersOfShapes(&shapes);
-    QCOMPARE(f.panel->CurrentRow(), 4);
-    QCOMPARE(f.manager->GetCurrentLayerColor(), plainColor(4));
-}
 
-void tst_DlgLayerMgr::currentLayerColor()
-{
-    PanelFixture f;
-    QCOMPARE(f.panel->CurrentLayerColor(), 0u);
-    addLayer(*f.manager, plainColor(7));
-    f.sync();
-    QCOMPARE(f.panel->CurrentLayerColor(), plainColor(7));
-    int data = 5;
-    f.panel->SetPanelData(&data);
-    QCOMPARE(f.panel->GetPanelData(), static_cast<void *>(&data));
-}
+    void outputButtonFlipsOutput()
+    {
+        PanelFixture f;
+        QVERIFY(f.withLayers(3));
+        f.env.clearLog();
+        QTest::mouseClick(f.eye(1), Qt::LeftButton);
+        QVERIFY(!f.manager->GetLayerAt(1)->OUTPUT);
+        QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
+        QCOMPARE(eyeIcon(f.eye(1)), QStringLiteral("LayerCloseEye"));
+        QVERIFY(!f.eye(1)->isChecked());
+        QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
+        QCOMPARE(f.env.logLines(), (QStringList{"0|pushButton_layerEye was clicked.", "1|clicke index 1,6"}));
+        QTest::mouseClick(f.eye(1), Qt::LeftButton);
+        QVERIFY(f.manager->GetLayerAt(1)->OUTPUT);
+        QCOMPARE(eyeIcon(f.eye(1)), QStringLiteral("LayerEye"));
+        QVERIFY(f.eye(1)->isChecked());
 
-void tst_DlgLayerMgr::tenThousandLayers()
-{
-    PanelFixture f;
-    constexpr int count = 10000;
-    for (int i = 0; i < count; ++i)
-        addLayer(*f.manager, plainColor(i), i % 5);
-    QVERIFY(f.show());
+        // The host asks the manager; the panel's rows follow its answer.
+        QList<quint32> off;
+        f.manager->GetLayerAt(2)->OUTPUT = false;
+        f.sync();
+        QCOMPARE(eyeIcon(f.eye(2)), QStringLiteral("LayerCloseEye"));
+        f.manager->GetNonOutputColors(off);
+        QCOMPARE(off, QList<quint32>{plainColor(2)});
 
-    QElapsedTimer timer;
-    timer.start();
-    f.sync();
-    const qint64 created = timer.restart();
-    QCOMPARE(f.table->rowCount(), 13000);
-    QCOMPARE(f.visibleRows(), count);
-    QCOMPARE(f.manager->GetLayerAt(count - 1)->AUX_INDEX, 37 + count - 1);
+        // A click on the output cell beside the button flips it too, and makes its row current.
+        f.host.calls.clear();
+        f.table->cellClicked(2, COL_OUTPUT);
+        QVERIFY(f.manager->GetLayerAt(2)->OUTPUT);
+        QCOMPARE(eyeIcon(f.eye(2)), QStringLiteral("LayerEye"));
+        QCOMPARE(f.host.calls, (QStringList{"CurrentLayerChanged", "LayersChanged"}));
+    }
 
-    auto rowsWithWidgets = [&f] {
-        int rows = 0;
-        for (int row = 0; row < f.table->rowCount(); ++row)
-            rows += f.panel->HasRowWidgets(row) ? 1 : 0;
-        return rows;
-    };
-    // Only the rows near the visible part carry cell widgets.
-    QVERIFY(f.panel->HasRowWidgets(0));
-    QVERIFY(!f.panel->HasRowWidgets(count / 2));
-    QVERIFY(rowsWithWidgets() < 200);
+    void missingItemIsLogged()
+    {
+        PanelFixture f;
+        QVERIFY(f.withLayers(1));
+        delete f.table->takeItem(0, COL_MODE);
+        f.env.clearLog();
+        QTest::mouseClick(f.eye(0), Qt::LeftButton);
+        QVERIFY(f.env.logLines().contains(QStringLiteral("3|787 item null !!!")));
+        QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
+        QVERIFY(f.host.calls.isEmpty());
+        f.panel->RefreshSpeeds();
+        QCOMPARE(f.panel->CurrentLayerColor(), plainColor(0));
+    }
 
-    f.table->scrollToBottom();
-    QApplication::processEvents();
-    const qint64 scrolled = timer.restart();
-    QVERIFY(f.panel->HasRowWidgets(count - 1));
-    QVERIFY(rowsWithWidgets() < 200);
-    QCOMPARE(f.table->rowAt(f.table->viewport()->height() - 2), count - 1);
-    QCOMPARE(f.numberLabel(count - 1)->text(), QString::number(count));
+    void modeEdit_data()
+    {
+        QTest::addColumn<bool>("fillLocked");
+        QTest::addColumn<int>("before");
+        QTest::addColumn<QString>("choice");
+        QTest::addColumn<int>("after");
+        QTest::addColumn<QString>("speed");
+        QTest::newRow("cutting to mark") << false << 0 << "Mark" << 4 << "/";
+        QTest::newRow("mark to scoring") << false << 4 << "Scoring" << 1 << "10";
+        QTest::newRow("cutting to shallow engrave") << false << 0 << "Shallow Engrave" << 2 << "20";
+        QTest::newRow("locked fill to deep engrave") << true << 2 << "Deep Engrave" << 3 << "20";
+    }
 
-    // A row far down is edited like any other once it is in view.
-    f.table->scrollToItem(f.table->item(5000, COL_TYPE), QAbstractItemView::PositionAtCenter);
-    QApplication::processEvents();
-    QVERIFY(!f.panel->HasRowWidgets(count - 1));
-    QCOMPARE(f.numberLabel(5000)->text(), QStringLiteral("5001"));
-    f.combo(5000, COL_MODE)->setCurrentText(QStringLiteral("Mark"));
-    QCOMPARE(f.manager->GetLayerAt(5000)->WORK_TYPE, int(WORK_MARK));
-    QCOMPARE(f.editor(5000, COL_SPEED)->text(), QStringLiteral("/"));
-    timer.restart();
+    void modeEdit()
+    {
+        QFETCH(bool, fillLocked);
+        QFETCH(int, before);
+        QFETCH(QString, choice);
+        QFETCH(int, after);
+        PanelFixture f;
+        addLayer(*f.manager, plainColor(0));
+        CLayerParam *layer = addLayer(*f.manager, plainColor(1), before);
+        layer->FILL_LOCKED = fillLocked;
+        layer->CUT.CUT_SPEED = 10;
+        layer->SWEEP.SWEEP_SPEED = 20;
+        f.sync();
+        QCOMPARE(f.combo(1, COL_MODE)->count(), fillLocked ? 2 : 5);
 
-    f.sync(true);
-    const qint64 refilled = timer.restart();
-    g_LayerContext.m_unitMode = 3;
-    f.panel->RefreshSpeeds();
-    const qint64 speeds = timer.elapsed();
-    QCOMPARE(f.cell<CLayerLineEditWidget>(0, COL_SPEED)->toolTip(), QStringLiteral("60.0"));
-    qInfo("%d layers: rows made and filled in %lld ms, scrolled to the end in %lld ms, refilled "
-          "in %lld ms, speeds in %lld ms",
-          count, created, scrolled, refilled, speeds);
-}
+        f.combo(1, COL_MODE)->setCurrentText(choice);
+        QCOMPARE(layer->WORK_TYPE, after);
+        QCOMPARE(f.panel->ScratchLayer().WORK_TYPE, before);
+        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), choice);
+        QTEST(f.editor(1, COL_SPEED)->text(), "speed");
+        QCOMPARE(f.editor(1, COL_SPEED)->isEnabled(), after != WORK_MARK);
+        QCOMPARE(f.editor(1, COL_POWER)->isEnabled(), after != WORK_MARK);
+        QCOMPARE(f.host.calls, (QStringList{"LayersChanged", "LayerEvent 2", "RefreshView"}));
+        QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+    }
+
+    void valueEdit_data()
+    {
+        QTest::addColumn<int>("workType");
+        QTest::addColumn<int>("unitMode");
+        QTest::addColumn<int>("column");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<double>("speed");
+        QTest::addColumn<double>("power");
+        // Stored before: line speed 12.25, fill speed 30, all powers 20.
+        QTest::newRow("cutting speed") << 0 << 1 << int(COL_SPEED) << "120" << 120.0 << 20.0;
+        QTest::newRow("scoring power") << 1 << 1 << int(COL_POWER) << "45.5" << 12.25 << 45.5;
+        QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0;
+        QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5;
+        QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0;
+        QTest::newRow("garbage speed above range refused") << 0 << 1 << int(COL_SPEED) << "5000" << 12.25 << 20.0;
+        QTest::newRow("garbage power above range refused") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 20.0;
+        QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25 << 20.0;
+    }
+
+    void valueEdit()
+    {
+        QFETCH(int, workType);
+        QFETCH(int, unitMode);
+        QFETCH(int, column);
+        QFETCH(QString, typed);
+        QFETCH(double, speed);
+        QFETCH(double, power);
+        PanelFixture f;
+        g_LayerContext.m_unitMode = unitMode;
+        CLayerParam *layer = addLayer(*f.manager, plainColor(0), workType);
+        layer->CUT.CUT_SPEED = 12.25;
+        layer->SWEEP.SWEEP_SPEED = 30.0;
+        for (LaserParam *laser : {&layer->CUT.LASER1, &layer->CUT.LASER2, &layer->SWEEP.LASER1, &layer->SWEEP.LASER2})
+            laser->POWER_MAX = 20.0;
+        f.sync();
+        QVERIFY(f.show());
+        QLineEdit *edit = f.editor(0, column);
+        edit->setFocus();
+        edit->selectAll();
+        QTest::keyClicks(edit, typed);
+        QTest::keyClick(edit, Qt::Key_Return);
+
+        const bool line = workType <= WORK_SCORING;
+        QCOMPARE(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, speed);
+        QCOMPARE(line ? layer->CUT.LASER1.POWER_MAX : layer->SWEEP.LASER1.POWER_MAX, power);
+        QCOMPARE(line ? layer->CUT.LASER2.POWER_MAX : layer->SWEEP.LASER2.POWER_MAX, power);
+        // The other process block is left alone.
+        QCOMPARE(line ? layer->SWEEP.LASER1.POWER_MAX : layer->CUT.LASER1.POWER_MAX, 20.0);
+    }
+
+    void airEdit()
+    {
+        PanelFixture f;
+        CLayerParam *layer = addLayer(*f.manager, plainColor(0));
+        f.sync();
+        QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("High"));
+        f.combo(0, COL_AIR)->setCurrentText(QStringLiteral("Low"));
+        QVERIFY(!layer->BLOW);
+        QVERIFY(f.panel->ScratchLayer().BLOW);
+        QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
+        f.combo(0, COL_AIR)->setCurrentIndex(0);
+        QVERIFY(layer->BLOW);
+    }
+
+    void destroyedWhileEditing()
+    {
+        PanelFixture f;
+        QVERIFY(f.withLayers(1));
+        f.manager->GetLayerAt(0)->CUT.CUT_SPEED = 12.0;
+        f.panel->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
+        QLineEdit *edit = f.editor(0, COL_SPEED);
+        QTest::mouseClick(edit, Qt::LeftButton);
+        edit->selectAll();
+        QTest::keyClicks(edit, QStringLiteral("77"));
+        QVERIFY(edit->hasFocus());
+        // The editor loses its focus while the panel is half gone: nothing may reach the panel.
+        f.panel.reset();
+        QCOMPARE(f.manager->GetLayerAt(0)->CUT.CUT_SPEED, 12.0);
+        QVERIFY(f.host.calls.isEmpty());
+    }
+
+    void wheelOverModeKeepsLayer()
+    {
+        PanelFixture f;
+        QVERIFY(f.withLayers(30, WORK_SCORING));
+        QComboBox *combo = f.combo(1, COL_MODE);
+        const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
+        QWheelEvent wheel(pos, combo->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(combo, &wheel);
+        QCOMPARE(f.manager->GetLayerAt(1)->WORK_TYPE, int(WORK_SCORING));
+        QVERIFY(f.table->verticalScrollBar()->value() > 0);
+        QVERIFY(f.host.calls.isEmpty());
+    }
+
+    void dragReordersLayers()
+    {
+        PanelFixture f;
+        QVERIFY(f.withStandardLayers(5));
+        QCOMPARE(f.letters(), (QStringList{"B", "C", "D", "E", "F"}));
+        const QPoint from = f.centre(0, COL_TYPE);
+        QTest::mousePress(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
+        QTest::mouseRelease(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
+        f.host.calls.clear();
+        std::unique_ptr<QMimeData> data(f.table->model()->mimeData({f.table->model()->index(0, 0)}));
+        const QPoint target = f.centre(4, COL_TYPE) + QPoint(0, 5);
+        QDragEnterEvent enter(from, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(f.table->viewport(), &enter);
+        QDragMoveEvent move(target, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(f.table->viewport(), &move);
+        QDropEvent drop(QPointF(target), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(f.table->viewport(), &drop);
+
+        QCOMPARE(f.manager->GetLayerAt(4)->COLOR, StandardLayerColor(1, false));
+        QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
+        QCOMPARE(f.numberLabel(4)->text(), QStringLiteral("05"));
+        QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
+        QVERIFY(f.selected(4));
+
+        f.panel->MoveLayerSlot(-1, 2);
+        f.panel->MoveLayerSlot(1, 7);
+        QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
+    }
+
+    void withoutManagerNothingHappens()
+    {
+        DlgLayerMgr lonely;
+        lonely.MoveLayerSlot(0, 1);
+        lonely.HorzHeaderClickedSlot(4);
+        lonely.SelectPendingColors();
+        lonely.RefreshSpeeds();
+        lonely.SetDualLaser(true);
+        lonely.SyncLayers(nullptr, true);
+        QCOMPARE(lonely.CurrentLayerColor(), 0u);
+    }
+
+    void doubleClickOpensLibraryDialog_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("onButton");
+        // answer -1: the host gave no dialog.
+        QTest::newRow("accepted from row") << 1 << false;
+        QTest::newRow("cancelled from row") << 0 << false;
+        QTest::newRow("accepted from colour button") << 1 << true;
+        QTest::newRow("without a dialog") << -1 << false;
+    }
+
+    void doubleClickOpensLibraryDialog()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, onButton);
+        PanelFixture f;
+        QVERIFY(f.withStandardLayers(3));
+        LayerLibraryRequest seen;
+        int opened = 0;
+        if (answer >= 0) {
+            f.panel->SetLibraryDialogOpener([&](const LayerLibraryRequest &request) {
+                ++opened;
+                seen = request;
+                // What the dialog does on OK: new parameters into the layer.
+                f.manager->GetLayerAt(quint32(request.row))->CUT.CUT_SPEED = 77.0;
+                return answer == 1;
+            });
+        }
+        f.host.calls.clear();
+        f.env.clearLog();
+        if (onButton)
+            QTest::mouseDClick(f.colorButton(1), Qt::LeftButton);
+        else
+            doubleClick(f.table->viewport(), f.centre(1, COL_TYPE));
+
+        QCOMPARE(f.panel->CurrentRow(), 1);
+        const bool accepted = answer == 1;
+        QCOMPARE(QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))), accepted);
+        QCOMPARE(f.host.calls.count(QStringLiteral("LayersChanged")), accepted ? 1 : 0);
+        QCOMPARE(f.editor(1, COL_SPEED)->text(), accepted ? QStringLiteral("77") : QStringLiteral("1"));
+        if (answer < 0) {
+            QVERIFY(linesOfLevel(f.env.logLines(), 0).contains("tableWidget item was double clicked."));
+            QCOMPARE(f.panel->ScratchLayer(), *f.manager->GetLayerAt(1));
+            return;
+        }
+        QCOMPARE(opened, 1);
+        QCOMPARE(seen.row, 1);
+        QCOMPARE(seen.parent, static_cast<QWidget *>(f.panel.get()));
+        QCOMPARE(seen.manager, f.manager.get());
+        QCOMPARE(seen.host, static_cast<ILayerHost *>(&f.host));
+        QCOMPARE(seen.layer->COLOR, StandardLayerColor(2, false));
+        QCOMPARE(seen.numberTexts, (QStringList{"B", "C", "D"}));
+    }
+
+    void selectPendingColors_data()
+    {
+        QTest::addColumn<QList<quint32>>("pending");
+        QTest::addColumn<int>("selected");
+        QTest::addColumn<int>("current");
+        QTest::newRow("none keeps current row") << QList<quint32>() << 1 << 1;
+        QTest::newRow("one becomes current") << QList<quint32>{plainColor(3)} << 3 << 3;
+        // Rows are selected in table order; single selection keeps the last.
+        QTest::newRow("several") << QList<quint32>{plainColor(4), plainColor(2)} << 4 << 1;
+        QTest::newRow("reserved colour never matched") << QList<quint32>{kReservedColorA} << 1 << 1;
+        QTest::newRow("garbage unknown colour") << QList<quint32>{0xFFFFFEu} << 1 << 1;
+    }
+
+    void selectPendingColors()
+    {
+        QFETCH(QList<quint32>, pending);
+        PanelFixture f;
+        for (int i = 0; i < 5; ++i)
+            addLayer(*f.manager, plainColor(i));
+        addLayer(*f.manager, kReservedColorA);
+        f.sync();
+        f.table->cellClicked(1, COL_TYPE);
+        for (quint32 color : std::as_const(pending)) {
+            f.panel->AddPendingColor(color);
+            f.panel->AddPendingColor(color);
+        }
+        f.panel->SelectPendingColors();
+        const QModelIndexList rows = f.table->selectionModel()->selectedRows();
+        QCOMPARE(rows.size(), 1);
+        QTEST(rows.first().row(), "selected");
+        QTEST(f.panel->CurrentRow(), "current");
+    }
+
+    void selectLayersOfShapes()
+    {
+        PanelFixture f;
+        g_pLayerPanel = f.panel.get();
+        CShapeList shapes;
+        for (int i = 0; i < 6; ++i) {
+            auto *shape = new CShape(plainColor(i));
+            shape->SetSelected(i == 4);
+            shapes.AddTail(shape);
+        }
+        f.manager->UpdateLayers(&shapes);
+        QCOMPARE(f.visibleRows(), 6);
+        f.manager->SelectLayersOfShapes(&shapes);
+        QCOMPARE(f.panel->CurrentRow(), 4);
+        QCOMPARE(f.manager->GetCurrentLayerColor(), plainColor(4));
+    }
+
+    void tenThousandLayers()
+    {
+        PanelFixture f;
+        constexpr int count = 10000;
+        for (int i = 0; i < count; ++i)
+            addLayer(*f.manager, plainColor(i), i % 5);
+        QVERIFY(f.show());
+        QElapsedTimer timer;
+        timer.start();
+        f.sync();
+        const qint64 created = timer.restart();
+        QCOMPARE(f.table->rowCount(), 13000);
+        QCOMPARE(f.visibleRows(), count);
+        QCOMPARE(f.manager->GetLayerAt(count - 1)->AUX_INDEX, 37 + count - 1);
+        auto rowsWithWidgets = [&f] {
+            int rows = 0;
+            for (int row = 0; row < f.table->rowCount(); ++row)
+                rows += f.panel->HasRowWidgets(row) ? 1 : 0;
+            return rows;
+        };
+        // Only the rows near the visible part carry cell widgets.
+        QVERIFY(f.panel->HasRowWidgets(0));
+        QVERIFY(!f.panel->HasRowWidgets(count / 2));
+        QVERIFY(rowsWithWidgets() < 200);
+
+        f.table->scrollToBottom();
+        QApplication::processEvents();
+        const qint64 scrolled = timer.restart();
+        QVERIFY(f.panel->HasRowWidgets(count - 1));
+        QVERIFY(rowsWithWidgets() < 200);
+        QCOMPARE(f.table->rowAt(f.table->viewport()->height() - 2), count - 1);
+        QCOMPARE(f.numberLabel(count - 1)->text(), QString::number(count));
+
+        // A row far down is edited like any other once it is in view.
+        f.table->scrollToItem(f.table->item(5000, COL_TYPE), QAbstractItemView::PositionAtCenter);
+        QApplication::processEvents();
+        QVERIFY(!f.panel->HasRowWidgets(count - 1));
+        QCOMPARE(f.numberLabel(5000)->text(), QStringLiteral("5001"));
+        f.combo(5000, COL_MODE)->setCurrentText(QStringLiteral("Mark"));
+        QCOMPARE(f.manager->GetLayerAt(5000)->WORK_TYPE, int(WORK_MARK));
+        QCOMPARE(f.editor(5000, COL_SPEED)->text(), QStringLiteral("/"));
+        timer.restart();
+        f.sync(true);
+        const qint64 refilled = timer.restart();
+        g_LayerContext.m_unitMode = 3;
+        f.panel->RefreshSpeeds();
+        const qint64 speeds = timer.elapsed();
+        QCOMPARE(f.tip(0, COL_SPEED), QStringLiteral("60.0"));
+        qInfo("%d layers: rows made and filled in %lld ms, scrolled to the end in %lld ms, refilled in %lld ms, "
+              "speeds in %lld ms",
+              count, created, scrolled, refilled, speeds);
+    }
+};
 
 QTEST_MAIN(tst_DlgLayerMgr)
 #include "tst_dlglayermgr.moc"
