@@ -79,11 +79,6 @@ void tst_SvgImporter::shapes_data()
               R"svg(<line x2="1" stroke="#000003"/><path d="M0 0h1" stroke="#000004"/><image width="1" height="1"/>)svg"),
           "rect #000001; ellipse #000002; line #000003; path #000004; image #000000 fill");
 
-    shape("rgb() percentages", svg(R"svg(<rect width="1" height="1" fill="rgb(100%, 0%, 50%)"/>)svg"), "rect #ff0080 fill");
-    shape("rgb() out of range clamps", svg(R"svg(<rect width="1" height="1" fill="rgb(300,-5,16)"/>)svg"), "rect #ff0010 fill");
-    shape("rgba() half transparent keeps colour",
-          svg(R"svg(<rect width="1" height="1" fill="rgba(10,20,30,0.5)"/>)svg"), "rect #0a141e fill");
-    shape("named colour, mixed case", svg(R"svg(<rect width="1" height="1" fill="DarkRed"/>)svg"), "rect #8b0000 fill");
     shape("currentColor",
           svg(R"svg(<g color="#224466"><rect width="1" height="1" fill="none" stroke="currentColor"/></g>)svg"), "rect #224466");
     shape("gradient with fallback colour", svg(R"svg(<rect width="1" height="1" fill="url(#g) #00cafc"/>)svg"),
@@ -318,6 +313,10 @@ void tst_SvgImporter::colors_data()
     colour("RGB upper case", "RGB(4,5,6)", true, 0x040506u);
     colour("named", "  navy ", true, 0x000080u);
     colour("transparent", "transparent", true, 0u, true);
+    colour("rgb() percentages", "rgb(100%, 0%, 50%)", true, 0xFF0080u);
+    colour("rgb() out of range clamps", "rgb(300,-5,16)", true, 0xFF0010u);
+    colour("rgba() half transparent keeps colour", "rgba(10,20,30,0.5)", true, 0x0A141Eu);
+    colour("named colour, mixed case", "DarkRed", true, 0x8B0000u);
     for (const char *garbage : {"#12", "#1234567", "#ggg", "rgb(1,2)", "rgb(1,2,3,4,5)", "rgb(1,2,3", "blurple",
                                 "red1", ""})
         colour(qPrintable(QStringLiteral("garbage '%1'").arg(QLatin1String(garbage))), garbage, false);
