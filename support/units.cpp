@@ -19,7 +19,8 @@ double Round2(double value)
 {
     const double scaled = value * 100.0;
     const double rounded = scaled >= 0.0 ? std::trunc(scaled + 0.5) : std::trunc(scaled - 0.5);
-    return rounded / 100.0;
+    // + 0.0 turns a negative zero into the zero qRound's int gives.
+    return rounded / 100.0 + 0.0;
 }
 
 int TruncateToInt(double value)
