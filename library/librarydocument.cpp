@@ -95,6 +95,17 @@ const LaserKeys kLaserKeys[2] = {
      QLatin1String("Laser Dwell Power2")},
 };
 
+CLibPen readPen(const QJsonObject &o)
+{
+    CLibPen pen;
+    pen.enableUpDown = o.value(kPenUpDown).toBool(false);
+    pen.enableDown = o.value(kPenDown).toBool(true);
+    pen.enableUp = o.value(kPenUp).toBool(true);
+    pen.downHeight = o.value(kPenDownHeight).toDouble(3.0);
+    pen.upHeight = o.value(kPenUpHeight).toDouble(3.0);
+    return pen;
+}
+
 QJsonObject writePen(const CLibPen &pen)
 {
     QJsonObject o;
@@ -134,10 +145,6 @@ enum EBlockKey {
     K_Frequency2, K_PulseWidth2, K_GuideLine, K_PenAction, K_Compensate, K_Note, K_Dpi, K_Mode,
     K_RampLength, K_Is3DRelief, K_OffsetEngraving, K_OffsetType, K_OffsetDistance, K_IsRamp,
     K_MinPower, K_MaxPower, K_CarvingNumber,
-    // Members of the nested objects.
-    K_GuideType, K_GuideIn, K_GuideInLen, K_GuideOut, K_GuideOutLen, K_UseCompensate,
-    K_CompensateOutward, K_CompensateSize, K_PenUpDown, K_PenDown, K_PenUp, K_PenDownHeight,
-    K_PenUpHeight,
     // Per laser: K_Laser + which * K_LaserKeys + the field.
     K_Laser, K_JumpDelay = 0, K_CornerDelay, K_DwellMode, K_DwellOn, K_StartDwell, K_EndDwell,
     K_StartDwellTime, K_EndDwellTime, K_DwellPower, K_LaserKeys,
@@ -158,12 +165,7 @@ const QHash<QString, int> &blockKeys()
             {kIs3DRelief, K_Is3DRelief}, {kOffsetEngraving, K_OffsetEngraving},
             {kOffsetType, K_OffsetType}, {kOffsetDistance, K_OffsetDistance},
             {kIsRamp, K_IsRamp}, {kMinPower, K_MinPower}, {kMaxPower, K_MaxPower},
-            {kCarvingNumber, K_CarvingNumber}, {kGuideType, K_GuideType},
-            {kGuideIn, K_GuideIn}, {kGuideInLen, K_GuideInLen}, {kGuideOut, K_GuideOut},
-            {kGuideOutLen, K_GuideOutLen}, {kUseCompensate, K_UseCompensate},
-            {kCompensateOutward, K_CompensateOutward}, {kCompensateSize, K_CompensateSize},
-            {kPenUpDown, K_PenUpDown}, {kPenDown, K_PenDown}, {kPenUp, K_PenUp},
-            {kPenDownHeight, K_PenDownHeight}, {kPenUpHeight, K_PenUpHeight},
+            {kCarvingNumber, K_CarvingNumber},
         };
         QHash<QString, int> map;
         for (const auto &entry : named)
@@ -212,56 +214,6 @@ bool readLaserMember(int id, const QJsonValue &v, CLibLaser *lasers, bool dwell)
     return true;
 }
 
-// The nested objects are walked like the blocks: one pass over their
-// members instead of a binary search per key.
-CLibPen readPen(const QJsonObject &o)
-{
-    CLibPen pen;
-    const QHash<QString, int> &keys = blockKeys();
-    for (auto it = o.begin(); it != o.end(); ++it) {
-        const QJsonValue v = it.value();
-        switch (keys.value(it.key(), -1)) {
-        case K_PenUpDown: pen.enableUpDown = v.toBool(false); break;
-        case K_PenDown: pen.enableDown = v.toBool(true); break;
-        case K_PenUp: pen.enableUp = v.toBool(true); break;
-        case K_PenDownHeight: pen.downHeight = v.toDouble(3.0); break;
-        case K_PenUpHeight: pen.upHeight = v.toDouble(3.0); break;
-        default: break;
-        }
-    }
-    return pen;
-}
-
-void readGuideLine(const QJsonObject &o, CLibCutSet &set)
-{
-    const QHash<QString, int> &keys = blockKeys();
-    for (auto it = o.begin(); it != o.end(); ++it) {
-        const QJsonValue v = it.value();
-        switch (keys.value(it.key(), -1)) {
-        case K_GuideType: set.guideType = v.toInt(0); break;
-        case K_GuideIn: set.guideIn = v.toInt(0); break;
-        case K_GuideInLen: set.guideInLen = v.toDouble(0.0); break;
-        case K_GuideOut: set.guideOut = v.toInt(0); break;
-        case K_GuideOutLen: set.guideOutLen = v.toDouble(0.0); break;
-        default: break;
-        }
-    }
-}
-
-void readCompensate(const QJsonObject &o, CLibCutSet &set)
-{
-    const QHash<QString, int> &keys = blockKeys();
-    for (auto it = o.begin(); it != o.end(); ++it) {
-        const QJsonValue v = it.value();
-        switch (keys.value(it.key(), -1)) {
-        case K_UseCompensate: set.useCompensate = v.toBool(false); break;
-        case K_CompensateOutward: set.compensateOutward = v.toBool(true); break;
-        case K_CompensateSize: set.compensateSize = v.toDouble(0.25); break;
-        default: break;
-        }
-    }
-}
-
 CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
 {
     CLibCutSet set;
@@ -301,8 +253,22 @@ CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
         case K_BridgesSpace: set.bridgesSpace = v.toDouble(0.0); break;
         case K_BridgesLength: set.bridgesLength = v.toDouble(0.0); break;
         case K_UseGuideLine: set.useGuideLine = v.toBool(false); break;
-        case K_GuideLine: readGuideLine(v.toObject(), set); break;
-        case K_Compensate: readCompensate(v.toObject(), set); break;
+        case K_GuideLine: {
+            const QJsonObject guide = v.toObject();
+            set.guideType = guide.value(kGuideType).toInt(0);
+            set.guideIn = guide.value(kGuideIn).toInt(0);
+            set.guideInLen = guide.value(kGuideInLen).toDouble(0.0);
+            set.guideOut = guide.value(kGuideOut).toInt(0);
+            set.guideOutLen = guide.value(kGuideOutLen).toDouble(0.0);
+            break;
+        }
+        case K_Compensate: {
+            const QJsonObject compensate = v.toObject();
+            set.useCompensate = compensate.value(kUseCompensate).toBool(false);
+            set.compensateOutward = compensate.value(kCompensateOutward).toBool(true);
+            set.compensateSize = compensate.value(kCompensateSize).toDouble(0.25);
+            break;
+        }
         default: break;
         }
     }
