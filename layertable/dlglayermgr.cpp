@@ -113,10 +113,8 @@ struct DlgLayerMgr::LaserNames
 
     static LaserNames Read()
     {
-        const QString path = FactoryParamIniPath();
-        const QString group = QStringLiteral("FACTORY_PARAM_LASER");
-        return {laserTypeName(ReadIniInt(group, QStringLiteral("LASER1_TYPE"), 0, path)),
-                laserTypeName(ReadIniInt(group, QStringLiteral("LASER2_TYPE"), 0, path))};
+        const LaserTypeCodes types = ReadLaserTypes();
+        return {laserTypeName(types.laser1), laserTypeName(types.laser2)};
     }
 };
 

@@ -40,10 +40,9 @@ int processRank(qint32 workType)
 
 void laserNames(QString *laser1, QString *laser2)
 {
-    const QString path = FactoryParamIniPath();
-    const QString group = QStringLiteral("FACTORY_PARAM_LASER");
-    *laser1 = CLayerMgrIns::LaserTypeName(ReadIniInt(group, QStringLiteral("LASER1_TYPE"), 0, path));
-    *laser2 = CLayerMgrIns::LaserTypeName(ReadIniInt(group, QStringLiteral("LASER2_TYPE"), 0, path));
+    const LaserTypeCodes types = ReadLaserTypes();
+    *laser1 = CLayerMgrIns::LaserTypeName(types.laser1);
+    *laser2 = CLayerMgrIns::LaserTypeName(types.laser2);
 }
 
 } // namespace

@@ -122,3 +122,11 @@ QString TmpParamIniPath()
 {
     return DataFilePath(QStringLiteral("tmpParam.ini"));
 }
+
+LaserTypeCodes ReadLaserTypes()
+{
+    const QSettings settings(FactoryParamIniPath(), QSettings::IniFormat);
+    const QString group = QStringLiteral("FACTORY_PARAM_LASER");
+    return {ReadIniInt(settings, group, QStringLiteral("LASER1_TYPE"), 0),
+            ReadIniInt(settings, group, QStringLiteral("LASER2_TYPE"), 0)};
+}

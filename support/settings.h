@@ -26,6 +26,15 @@ double ReadIniDouble(const QSettings &settings, const QString &group, const QStr
 QString ReadIniString(const QSettings &settings, const QString &group, const QString &key,
                       const QString &defaultValue);
 
+// LASER1_TYPE and LASER2_TYPE of FactoryParam.ini (default 0), through one
+// QSettings.
+struct LaserTypeCodes
+{
+    int laser1 = 0;
+    int laser2 = 0;
+};
+LaserTypeCodes ReadLaserTypes();
+
 // "%1/Data/<name>" below the user data directory.
 QString DataFilePath(const QString &name);
 QString CfgIniPath();

@@ -5,16 +5,6 @@
 #include <cmath>
 #include <limits>
 
-namespace {
-constexpr double kMmPerInch = 25.4;
-constexpr double kSecondsPerMinute = 60.0;
-
-bool isInch(int unitMode)
-{
-    return unitMode == UNIT_INCH_PER_S || unitMode == UNIT_INCH_PER_MIN;
-}
-} // namespace
-
 double Round2(double value)
 {
     const double scaled = value * 100.0;
@@ -38,12 +28,12 @@ int TruncateToInt(double value)
 // editors show inches with their own precision.
 double LengthToDisplay(double mm, int unitMode)
 {
-    return isInch(unitMode) ? mm / kMmPerInch : Round2(mm);
+    return IsInchUnit(unitMode) ? mm / kMmPerInch : Round2(mm);
 }
 
 double LengthFromDisplay(double value, int unitMode)
 {
-    return isInch(unitMode) ? value * kMmPerInch : Round2(value);
+    return IsInchUnit(unitMode) ? value * kMmPerInch : Round2(value);
 }
 
 double SpeedToDisplay(double mmPerSecond, int unitMode)

@@ -9,6 +9,15 @@ enum EUNIT_MODE {
     UNIT_MM_PER_MIN = 3,
 };
 
+constexpr double kMmPerInch = 25.4;
+constexpr double kSecondsPerMinute = 60.0;
+
+// Codes 0 and 2 show inches.
+inline bool IsInchUnit(int unitMode)
+{
+    return unitMode == UNIT_INCH_PER_S || unitMode == UNIT_INCH_PER_MIN;
+}
+
 // v * 100 rounded half away from zero, then / 100.0: qRound's rounding,
 // without its int overflow for huge values.
 double Round2(double value);

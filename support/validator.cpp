@@ -14,14 +14,6 @@
 
 namespace {
 
-constexpr double kMmPerInch = 25.4;
-constexpr double kSecondsPerMinute = 60.0;
-
-bool isInch(int unitCode)
-{
-    return unitCode == 0 || unitCode == 2;
-}
-
 QString wording(const char *english)
 {
     return CTranslator::GetInstance()->GetWording(QString::fromLatin1(english));
@@ -105,7 +97,7 @@ int Validator::ConvertInt(int storedValue) const
     switch (m_valueKind) {
     case VALUE_LENGTH: {
         double value = storedValue;
-        if (isInch(m_unitCode))
+        if (IsInchUnit(m_unitCode))
             value = TruncateToInt(value / kMmPerInch);
         return TruncateToInt(Round2(value));
     }
@@ -129,7 +121,7 @@ double Validator::ConvertDouble(double storedValue) const
 {
     switch (m_valueKind) {
     case VALUE_LENGTH:
-        return isInch(m_unitCode) ? Round2(storedValue / kMmPerInch) : Round2(storedValue);
+        return IsInchUnit(m_unitCode) ? Round2(storedValue / kMmPerInch) : Round2(storedValue);
     case VALUE_SPEED:
         switch (m_unitCode) {
         case 0:
