@@ -3,6 +3,8 @@
 #include "support/units.h"
 
 #include "crunningoptions.h"
+#include "librarykeys_p.h"
+#include "libraryreader_p.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -20,91 +22,7 @@
 
 namespace {
 
-// Keys of the document, spelled as the files have them.
-const QLatin1String kVersion("Version");
-const QLatin1String kType("Type");
-const QLatin1String kPower("Power");
-const QLatin1String kCustom("Custom");
-const QLatin1String kMaterial("Material");
-const QLatin1String kId("id");
-const QLatin1String kIconPath("IconPath");
-const QLatin1String kIconData("IconBase64Data");
-const QLatin1String kThickness("Thickness");
-const QLatin1String kNote("Note");
-const QLatin1String kBlowing("Blowing");
-const QLatin1String kSpeed("Speed");
-const QLatin1String kTurnPower("Turn power");
-const QLatin1String kFrequency1("Frequency1");
-const QLatin1String kPulseWidth1("Pulse Width1");
-const QLatin1String kSealLength("Seal length");
-const QLatin1String kBridges("Bridges");
-const QLatin1String kBridgesSpace("Bridges Space");
-const QLatin1String kBridgesLength("Bridges Length");
-const QLatin1String kUseGuideLine("Use Guide Line");
-const QLatin1String kPower2("Power2");
-const QLatin1String kTurnPower2("Turn power2");
-const QLatin1String kFrequency2("Frequency2");
-const QLatin1String kPulseWidth2("Pulse Width2");
-const QLatin1String kGuideLine("Guide Line");
-const QLatin1String kGuideType("Guide Type");
-const QLatin1String kGuideIn("Guide In");
-const QLatin1String kGuideInLen("Guide In Len");
-const QLatin1String kGuideOut("Guide Out");
-const QLatin1String kGuideOutLen("Guide Out Len");
-const QLatin1String kPenAction("Pen Action");
-const QLatin1String kPenUpDown("Enable PenUpDown");
-const QLatin1String kPenDown("Enable PenDown");
-const QLatin1String kPenUp("Enable PenUp");
-const QLatin1String kPenDownHeight("PenDown Height");
-// Three blanks: the files have it so.
-const QLatin1String kPenUpHeight("PenUp   Height");
-const QLatin1String kCompensate("Laser Compensate");
-const QLatin1String kUseCompensate("Use Laser Compensate");
-const QLatin1String kCompensateOutward("Compensate Outward");
-const QLatin1String kCompensateSize("Compensate Size");
-const QLatin1String kDpi("DPI output");
-const QLatin1String kMode("Mode");
-const QLatin1String kRampLength("Ramp length");
-const QLatin1String kIs3DRelief("Is3DRelief");
-const QLatin1String kOffsetEngraving("Offset Engraving");
-const QLatin1String kOffsetType("Offset Type");
-const QLatin1String kOffsetDistance("Offset Engraving Distance");
-const QLatin1String kIsRamp("IsRamp");
-const QLatin1String kMinPower("MinPower");
-const QLatin1String kMaxPower("MaxPower");
-const QLatin1String kCarvingNumber("CarvingNumber");
-const QLatin1String kTwoWay("Two way laser");
-const QLatin1String kOneWay("One way laser");
-
-// Per-laser keys, suffix 1 and 2.
-struct LaserKeys
-{
-    QLatin1String jumpDelay, cornerDelay, dwellMode, dwellOn, startDwell, endDwell, startDwellTime,
-        endDwellTime, dwellPower;
-};
-const LaserKeys kLaserKeys[2] = {
-    {QLatin1String("Jump Delay1"), QLatin1String("Corner Delay1"),
-     QLatin1String("Laser Dwell Mode1"), QLatin1String("Laser Dwell1"),
-     QLatin1String("Start Dwell1"), QLatin1String("End Dwell1"),
-     QLatin1String("Start Dwell Time1"), QLatin1String("End Dwell Time1"),
-     QLatin1String("Laser Dwell Power1")},
-    {QLatin1String("Jump Delay2"), QLatin1String("Corner Delay2"),
-     QLatin1String("Laser Dwell Mode2"), QLatin1String("Laser Dwell2"),
-     QLatin1String("Start Dwell2"), QLatin1String("End Dwell2"),
-     QLatin1String("Start Dwell Time2"), QLatin1String("End Dwell Time2"),
-     QLatin1String("Laser Dwell Power2")},
-};
-
-CLibPen readPen(const QJsonObject &o)
-{
-    CLibPen pen;
-    pen.enableUpDown = o.value(kPenUpDown).toBool(false);
-    pen.enableDown = o.value(kPenDown).toBool(true);
-    pen.enableUp = o.value(kPenUp).toBool(true);
-    pen.downHeight = o.value(kPenDownHeight).toDouble(3.0);
-    pen.upHeight = o.value(kPenUpHeight).toDouble(3.0);
-    return pen;
-}
+using namespace LibraryKeys;
 
 QJsonObject writePen(const CLibPen &pen)
 {
@@ -134,147 +52,6 @@ void writeDwell(QJsonObject &o, int which, const CLibLaser &laser)
     o.insert(k.startDwellTime, laser.startDwellTime);
     o.insert(k.endDwellTime, laser.endDwellTime);
     o.insert(k.dwellPower, laser.dwellPower);
-}
-
-// Keys of the cut and sweep blocks. A block is read by walking its members
-// once: a look-up per key costs a binary search with a slow string compare,
-// and blocks are most of a library.
-enum EBlockKey {
-    K_Blowing, K_Speed, K_Power, K_TurnPower, K_Frequency1, K_PulseWidth1, K_SealLength,
-    K_Bridges, K_BridgesSpace, K_BridgesLength, K_UseGuideLine, K_Power2, K_TurnPower2,
-    K_Frequency2, K_PulseWidth2, K_GuideLine, K_PenAction, K_Compensate, K_Note, K_Dpi, K_Mode,
-    K_RampLength, K_Is3DRelief, K_OffsetEngraving, K_OffsetType, K_OffsetDistance, K_IsRamp,
-    K_MinPower, K_MaxPower, K_CarvingNumber,
-    // Per laser: K_Laser + which * K_LaserKeys + the field.
-    K_Laser, K_JumpDelay = 0, K_CornerDelay, K_DwellMode, K_DwellOn, K_StartDwell, K_EndDwell,
-    K_StartDwellTime, K_EndDwellTime, K_DwellPower, K_LaserKeys,
-};
-
-const QHash<QString, int> &blockKeys()
-{
-    static const QHash<QString, int> keys = [] {
-        const std::pair<QLatin1String, int> named[] = {
-            {kBlowing, K_Blowing}, {kSpeed, K_Speed}, {kPower, K_Power},
-            {kTurnPower, K_TurnPower}, {kFrequency1, K_Frequency1},
-            {kPulseWidth1, K_PulseWidth1}, {kSealLength, K_SealLength}, {kBridges, K_Bridges},
-            {kBridgesSpace, K_BridgesSpace}, {kBridgesLength, K_BridgesLength},
-            {kUseGuideLine, K_UseGuideLine}, {kPower2, K_Power2}, {kTurnPower2, K_TurnPower2},
-            {kFrequency2, K_Frequency2}, {kPulseWidth2, K_PulseWidth2},
-            {kGuideLine, K_GuideLine}, {kPenAction, K_PenAction}, {kCompensate, K_Compensate},
-            {kNote, K_Note}, {kDpi, K_Dpi}, {kMode, K_Mode}, {kRampLength, K_RampLength},
-            {kIs3DRelief, K_Is3DRelief}, {kOffsetEngraving, K_OffsetEngraving},
-            {kOffsetType, K_OffsetType}, {kOffsetDistance, K_OffsetDistance},
-            {kIsRamp, K_IsRamp}, {kMinPower, K_MinPower}, {kMaxPower, K_MaxPower},
-            {kCarvingNumber, K_CarvingNumber},
-        };
-        QHash<QString, int> map;
-        for (const auto &entry : named)
-            map.insert(entry.first, entry.second);
-        for (int which = 0; which < 2; ++which) {
-            const LaserKeys &k = kLaserKeys[which];
-            const int base = K_Laser + which * K_LaserKeys;
-            map.insert(k.jumpDelay, base + K_JumpDelay);
-            map.insert(k.cornerDelay, base + K_CornerDelay);
-            map.insert(k.dwellMode, base + K_DwellMode);
-            map.insert(k.dwellOn, base + K_DwellOn);
-            map.insert(k.startDwell, base + K_StartDwell);
-            map.insert(k.endDwell, base + K_EndDwell);
-            map.insert(k.startDwellTime, base + K_StartDwellTime);
-            map.insert(k.endDwellTime, base + K_EndDwellTime);
-            map.insert(k.dwellPower, base + K_DwellPower);
-        }
-        return map;
-    }();
-    return keys;
-}
-
-// Delays of either block, dwell of cut blocks. False when the key is none.
-bool readLaserMember(int id, const QJsonValue &v, CLibLaser *lasers, bool dwell)
-{
-    if (id < K_Laser)
-        return false;
-    CLibLaser &laser = lasers[(id - K_Laser) / K_LaserKeys];
-    switch ((id - K_Laser) % K_LaserKeys) {
-    case K_JumpDelay: laser.jumpDelay = v.toInt(0); return true;
-    case K_CornerDelay: laser.cornerDelay = v.toInt(0); return true;
-    default: break;
-    }
-    if (!dwell)
-        return true;
-    switch ((id - K_Laser) % K_LaserKeys) {
-    case K_DwellMode: laser.dwellMode = v.toBool(false); break;
-    case K_DwellOn: laser.dwellOn = v.toBool(false); break;
-    case K_StartDwell: laser.startDwell = v.toBool(false); break;
-    case K_EndDwell: laser.endDwell = v.toBool(false); break;
-    case K_StartDwellTime: laser.startDwellTime = v.toInt(0); break;
-    case K_EndDwellTime: laser.endDwellTime = v.toInt(0); break;
-    case K_DwellPower: laser.dwellPower = v.toDouble(0.0); break;
-    default: break;
-    }
-    return true;
-}
-
-CLibCutSet readCut(const QJsonObject &o, const CLibKey &key)
-{
-    CLibCutSet set;
-    set.key = key;
-    const bool cutting = key.craft == LIB_CRAFT_CUTTING;
-    const QHash<QString, int> &keys = blockKeys();
-    CLibLaser lasers[2] = {set.laser1, set.laser2};
-    for (auto it = o.begin(); it != o.end(); ++it) {
-        const auto found = keys.constFind(it.key());
-        if (found == keys.cend())
-            continue;
-        const QJsonValue v = it.value();
-        if (readLaserMember(*found, v, lasers, true))
-            continue;
-        switch (*found) {
-        case K_Blowing: set.blowing = v.toBool(false); break;
-        // Whole numbers only: 12.5 reads as 0, as it always has.
-        case K_Speed: set.speed = v.toInt(0); break;
-        case K_Power: lasers[0].power = v.toDouble(0.0); break;
-        case K_TurnPower: lasers[0].turnPower = v.toDouble(0.0); break;
-        case K_Frequency1: lasers[0].frequency = TruncateToInt(v.toDouble(4000.0)); break;
-        case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
-        case K_SealLength: set.sealLength = v.toInt(0); break;
-        case K_Power2: lasers[1].power = v.toDouble(20.0); break;
-        case K_TurnPower2: lasers[1].turnPower = v.toDouble(20.0); break;
-        case K_Frequency2: lasers[1].frequency = TruncateToInt(v.toDouble(4000.0)); break;
-        case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
-        case K_PenAction: set.pen = readPen(v.toObject()); break;
-        case K_Note: set.note = v.toString(); break;
-        default: break;
-        }
-        if (!cutting)
-            continue;
-        // Read for "Cutting" only; a "Tracing" block keeps the defaults.
-        switch (*found) {
-        case K_Bridges: set.bridges = v.toBool(false); break;
-        case K_BridgesSpace: set.bridgesSpace = v.toDouble(0.0); break;
-        case K_BridgesLength: set.bridgesLength = v.toDouble(0.0); break;
-        case K_UseGuideLine: set.useGuideLine = v.toBool(false); break;
-        case K_GuideLine: {
-            const QJsonObject guide = v.toObject();
-            set.guideType = guide.value(kGuideType).toInt(0);
-            set.guideIn = guide.value(kGuideIn).toInt(0);
-            set.guideInLen = guide.value(kGuideInLen).toDouble(0.0);
-            set.guideOut = guide.value(kGuideOut).toInt(0);
-            set.guideOutLen = guide.value(kGuideOutLen).toDouble(0.0);
-            break;
-        }
-        case K_Compensate: {
-            const QJsonObject compensate = v.toObject();
-            set.useCompensate = compensate.value(kUseCompensate).toBool(false);
-            set.compensateOutward = compensate.value(kCompensateOutward).toBool(true);
-            set.compensateSize = compensate.value(kCompensateSize).toDouble(0.25);
-            break;
-        }
-        default: break;
-        }
-    }
-    set.laser1 = lasers[0];
-    set.laser2 = lasers[1];
-    return set;
 }
 
 QJsonObject writeCut(const CLibCutSet &set)
@@ -316,56 +93,6 @@ QJsonObject writeCut(const CLibCutSet &set)
     return o;
 }
 
-CLibSweepSet readSweep(const QJsonObject &o, const CLibKey &key)
-{
-    CLibSweepSet set;
-    set.key = key;
-    const bool deep = key.craft == LIB_CRAFT_DEEP;
-    const QHash<QString, int> &keys = blockKeys();
-    CLibLaser lasers[2] = {set.laser1, set.laser2};
-    for (auto it = o.begin(); it != o.end(); ++it) {
-        const auto found = keys.constFind(it.key());
-        if (found == keys.cend())
-            continue;
-        const QJsonValue v = it.value();
-        if (readLaserMember(*found, v, lasers, false))
-            continue;
-        switch (*found) {
-        case K_Blowing: set.blowing = v.toBool(false); break;
-        case K_Speed: set.speed = v.toDouble(0.0); break;
-        case K_Power: lasers[0].power = v.toDouble(0.0); break;
-        case K_Frequency1: lasers[0].frequency = TruncateToInt(v.toDouble(4000.0)); break;
-        case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
-        case K_Power2: lasers[1].power = v.toDouble(20.0); break;
-        case K_Frequency2: lasers[1].frequency = TruncateToInt(v.toDouble(4000.0)); break;
-        case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(v.toDouble(500.0)); break;
-        case K_Dpi: set.dpi = v.toInt(0); break;
-        // Written as a number, read by name: a number reads as 0.
-        case K_Mode: set.mode = SweepModeIndex(v.toString()); break;
-        case K_RampLength: set.rampLength = v.toDouble(0.0); break;
-        case K_Is3DRelief: set.is3DRelief = v.toBool(false); break;
-        case K_OffsetEngraving: set.offsetEngraving = v.toBool(false); break;
-        case K_OffsetType: set.offsetType = v.toInt(0); break;
-        case K_OffsetDistance: set.offsetDistance = v.toDouble(0.1); break;
-        case K_PenAction: set.pen = readPen(v.toObject()); break;
-        case K_Note: set.note = v.toString(); break;
-        default: break;
-        }
-        if (!deep)
-            continue;
-        switch (*found) {
-        case K_IsRamp: set.isRamp = v.toBool(false); break;
-        case K_MinPower: set.minPower = v.toDouble(0.0); break;
-        case K_MaxPower: set.maxPower = v.toDouble(0.0); break;
-        case K_CarvingNumber: set.carvingNumber = v.toInt(0); break;
-        default: break;
-        }
-    }
-    set.laser1 = lasers[0];
-    set.laser2 = lasers[1];
-    return set;
-}
-
 QJsonObject writeSweep(const CLibSweepSet &set)
 {
     QJsonObject o;
@@ -395,119 +122,6 @@ QJsonObject writeSweep(const CLibSweepSet &set)
     o.insert(kPenAction, writePen(set.pen));
     o.insert(kNote, set.note);
     return o;
-}
-
-bool isNonEmpty(const QJsonValue &value)
-{
-    switch (value.type()) {
-    case QJsonValue::Null:
-    case QJsonValue::Undefined:
-        return false;
-    case QJsonValue::Object:
-        return !value.toObject().isEmpty();
-    case QJsonValue::Array:
-        return !value.toArray().isEmpty();
-    case QJsonValue::String:
-        return !value.toString().isEmpty();
-    default:
-        return true;
-    }
-}
-
-// A positive whole number that fits an int, else 0.
-qint64 usableId(const QJsonValue &value)
-{
-    if (!value.isDouble())
-        return 0;
-    const double id = value.toDouble();
-    if (!(id >= 1.0 && id <= double(std::numeric_limits<qint32>::max())) || id != std::floor(id))
-        return 0;
-    return qint64(id);
-}
-
-const QLatin1String kCraftKeys[kLibCraftCount] = {
-    QLatin1String("Cutting"), QLatin1String("Tracing"), QLatin1String("Shallow Carving"),
-    QLatin1String("Deep Carving"), QLatin1String("Vision Mark"),
-};
-
-void readThickness(const QJsonObject &crafts, const CLibKey &base, CMaterialLibrary &library)
-{
-    CLibKey key = base;
-    for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
-        const QJsonValue value = crafts.value(kCraftKeys[craft]);
-        key.craft = craft;
-        if (craft == LIB_CRAFT_MARK) {
-            if (isNonEmpty(value))
-                library.InsertMarkSetIfAbsent({key, QString()});
-        } else if (value.isObject()) {
-            if (IsCutCraft(craft))
-                library.InsertCutSetIfAbsent(readCut(value.toObject(), key));
-            else
-                library.InsertSweepSetIfAbsent(readSweep(value.toObject(), key));
-        }
-    }
-}
-
-struct PendingMaterial
-{
-    qint64 id;
-    QString name;
-    QJsonObject object;
-};
-
-void readMaterials(const QJsonObject &materials, quint32 tube, qint32 power,
-                   std::vector<CLibMaterial> &run, QSet<QString> &names,
-                   CMaterialLibrary &library)
-{
-    std::vector<PendingMaterial> pending;
-    pending.reserve(size_t(materials.size()));
-    for (auto it = materials.begin(); it != materials.end(); ++it) {
-        if (!it.value().isObject())
-            continue;
-        const QJsonObject object = it.value().toObject();
-        pending.push_back({usableId(object.value(kId)), it.key(), object});
-    }
-    // Ascending id; ties and materials without one keep the key order.
-    std::stable_sort(pending.begin(), pending.end(),
-                     [](const PendingMaterial &a, const PendingMaterial &b) {
-                         if ((a.id == 0) != (b.id == 0))
-                             return b.id == 0;
-                         return a.id < b.id;
-                     });
-
-    for (const PendingMaterial &p : pending) {
-        // A second material of the same name under the same tube and power
-        // (a duplicated power entry) gives way to the first.
-        if (names.contains(p.name))
-            continue;
-        names.insert(p.name);
-        CLibMaterial material;
-        material.name = p.name;
-        material.tube = tube;
-        material.power = power;
-        material.iconPath = p.object.value(kIconPath).toString();
-        material.iconBase64 = p.object.value(kIconData).toString();
-
-        std::set<double> seen;
-        const QJsonObject thicknesses = p.object.value(kThickness).toObject();
-        for (auto it = thicknesses.begin(); it != thicknesses.end(); ++it) {
-            bool ok = false;
-            const double thickness = it.key().toDouble(&ok);
-            if (!ok || !std::isfinite(thickness))
-                continue;
-            const auto near = seen.lower_bound(thickness - kThicknessTolerance);
-            const bool known = near != seen.end() && *near <= thickness + kThicknessTolerance;
-            if (!known) {
-                seen.insert(thickness);
-                material.thicknesses.push_back(thickness);
-            }
-            if (it.value().isObject()) {
-                readThickness(it.value().toObject(), {tube, power, p.name, thickness, 0},
-                              library);
-            }
-        }
-        run.push_back(std::move(material));
-    }
 }
 
 // The writer's text form without building the document first: the same
@@ -1005,56 +619,6 @@ QString LibraryReadResult::reason() const
     return text;
 }
 
-bool ReadMaterialLibrary(const QJsonObject &root, CMaterialLibrary &library)
-{
-    library.Clear();
-    const QJsonValue types = root.value(kType);
-    if (!types.isObject())
-        return false;
-    const QJsonValue version = root.value(kVersion);
-    library.SetVersion(version.isUndefined() ? QJsonValue(0) : version);
-
-    // Materials are gathered per tube/power pair so that each pair's run
-    // stays together even when a file names the same pair twice.
-    std::vector<std::pair<quint64, std::vector<CLibMaterial>>> runs;
-    QHash<quint64, size_t> runOf;
-    QHash<quint64, QSet<QString>> namesOf;
-
-    const QJsonObject typeObject = types.toObject();
-    for (auto it = typeObject.begin(); it != typeObject.end(); ++it) {
-        const quint32 tube = TubeTypeIndex(it.key());
-        library.AddTube(tube);
-        const QJsonArray entries = it.value().toArray();
-        for (const QJsonValue &entryValue : entries) {
-            if (!entryValue.isObject())
-                continue;
-            const QJsonObject entry = entryValue.toObject();
-            const qint32 power = entry.value(kPower).toInt(80);
-            const quint64 pair = (quint64(tube) << 32) | quint32(power);
-            auto found = runOf.constFind(pair);
-            if (found == runOf.cend()) {
-                library.AppendTubePower(tube, power, entry.value(kCustom).toBool(false));
-                found = runOf.insert(pair, runs.size());
-                runs.emplace_back(pair, std::vector<CLibMaterial>());
-            }
-            readMaterials(entry.value(kMaterial).toObject(), tube, power, runs[*found].second,
-                          namesOf[pair], library);
-        }
-    }
-
-    size_t total = 0;
-    for (const auto &run : runs)
-        total += run.second.size();
-    std::vector<CLibMaterial> materials;
-    materials.reserve(total);
-    for (auto &run : runs) {
-        for (CLibMaterial &material : run.second)
-            materials.push_back(std::move(material));
-    }
-    library.AdoptMaterials(std::move(materials));
-    return true;
-}
-
 LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &library)
 {
     library.Clear();
@@ -1068,6 +632,8 @@ LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &libra
     if (bytes.size() > kMaxLibraryFileSize)
         return {ELibraryRead::TooLarge, QString::number(bytes.size()) + QStringLiteral(" bytes")};
 
+    if (ReadMaterialLibraryDirect(bytes, library))
+        return {};
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
     if (error.error != QJsonParseError::NoError) {
