@@ -1,6 +1,7 @@
 #include "librarytestdata.h"
 #include "library/crunningoptions.h"
 #include "library/librarydocument.h"
+#include "library/libraryreader_p.h"
 #include "testenvironment.h"
 
 #include <QBuffer>
@@ -45,14 +46,33 @@ const QByteArray kShallowBlock = R"({
     "Note": "sweep note"
 })";
 
-// A document with one craft block under "M", 3 mm, RFBurning at power 60.
-QJsonObject documentWithBlock(const QString &craft, const QJsonValue &block)
+// A document with one craft block under "M", 3 mm, RFBurning at power 60, as text.
+QByteArray documentText(const QString &craft, const QByteArray &block)
 {
-    QJsonObject crafts{{craft, block}};
-    QJsonObject material{{QStringLiteral("Thickness"), QJsonObject{{QStringLiteral("3.00"), crafts}}}};
-    QJsonObject entry{{QStringLiteral("Power"), 60},
-                      {QStringLiteral("Material"), QJsonObject{{QStringLiteral("M"), material}}}};
-    return {{QStringLiteral("Type"), QJsonObject{{QStringLiteral("RFBurning"), QJsonArray{entry}}}}};
+    return R"({"Type": {"RFBurning": [{"Power": 60, "Material": {"M": {"Thickness": {"3.00": {")"
+        + craft.toUtf8() + "\": " + block + "}}}}}]}}";
+}
+
+// A document read straight from its bytes, when the direct reader takes
+// them, and through Qt's parser: the two libraries must be the same.
+struct TwoWays
+{
+    CMaterialLibrary library; // through Qt's parser
+    bool direct = false;
+    bool agreed = false;
+};
+
+TwoWays readTwoWays(const QByteArray &bytes)
+{
+    TwoWays read;
+    CMaterialLibrary direct;
+    read.direct = ReadMaterialLibraryDirect(bytes, direct);
+    const QJsonDocument document = QJsonDocument::fromJson(bytes);
+    const bool ok = document.isObject() && ReadMaterialLibrary(document.object(), read.library);
+    read.agreed = read.direct ? ok && direct == read.library
+                                    && MaterialLibraryText(direct) == MaterialLibraryText(read.library)
+                              : direct.IsEmpty();
+    return read;
 }
 
 // The materials object of the first RFBurning power entry as written.
@@ -373,9 +393,9 @@ private slots:
         QFETCH(QVariant, expected);
         TestEnvironment env;
 
-        CMaterialLibrary library;
-        QVERIFY(ReadMaterialLibrary(documentWithBlock(craft, jsonObject(block)), library));
-        QCOMPARE(fieldValue(library, CraftIndex(craft), field), expected);
+        const TwoWays read = readTwoWays(documentText(craft, block));
+        QVERIFY(read.agreed);
+        QCOMPARE(fieldValue(read.library, CraftIndex(craft), field), expected);
     }
 
     void markPresence_data()
@@ -400,14 +420,93 @@ private slots:
         QFETCH(bool, present);
         TestEnvironment env;
 
-        const QJsonValue mark = QJsonDocument::fromJson("[" + value + "]").array().at(0);
-        CMaterialLibrary library;
-        QVERIFY(ReadMaterialLibrary(documentWithBlock(QStringLiteral("Vision Mark"), mark), library));
+        const TwoWays read = readTwoWays(documentText(QStringLiteral("Vision Mark"), value));
+        QVERIFY(read.agreed);
+        const CMaterialLibrary &library = read.library;
         const CLibMarkSet *set = library.FindMarkSet(libKey(QStringLiteral("M"), 3.0, 4));
         QCOMPARE(set != nullptr, present);
         QCOMPARE(library.MarkSetCount(), size_t(present ? 1 : 0));
         if (set)
             QCOMPARE(set->note, QString());
+    }
+
+    void directReader_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("direct");
+        auto row = [](const char *name, const QByteArray &bytes, bool direct) {
+            QTest::newRow(name) << bytes << direct;
+        };
+        const QString cutting = QStringLiteral("Cutting");
+        auto cut = [&](const char *block) { return documentText(cutting, block); };
+        auto materials = [](const char *materials) -> QByteArray {
+            return R"({"Type": {"RFBurning": [{"Power": 60, "Material": )" + QByteArray(materials)
+                + "}]}}";
+        };
+
+        row("written library", jsonBytes(sampleLibrary()), true);
+        row("compact, keys in any order",
+            R"({"Version":2,"Type":{"Glass":[{"Material":{"B":{"id":1},"A":{}},"Power":60}],)"
+            R"("Fiber":[{"Power":20,"Custom":true}]}})", true);
+        row("white space of every kind", "\r\n{\t\"Type\" :\n{ \"Glass\" : [ ] } }\n\n", true);
+        row("materials out of key order", materials(R"({"C": {}, "A": {}, "B": {"id": 1}})"), true);
+        row("thicknesses out of key order",
+            materials(R"({"M": {"Thickness": {"3.00": {}, "10.00": {}, "1.50": {}}}})"), true);
+        row("non-ASCII names and notes",
+            materials(R"({"椴木": {"Thickness": {"3.00": {"Cutting": {"Note": "trocken lagern, ½"}}}},
+                          "Ölholz": {}})"), true);
+        row("whole number with a zero fraction", cut(R"({"Speed": 12.0, "Frequency1": 4000.000})"), true);
+        row("decimal fractions", cut(R"({"Power": 0.3, "Turn power": 1.1, "Bridges Length": 2.675})"),
+            true);
+        row("fraction past the quick conversion", cut(R"({"Power": 0.12345678901234567890123})"), true);
+        row("negative zeros", cut(R"({"Speed": -0, "Power": -0.0})"), true);
+        row("whole number beyond int", cut(R"({"Speed": 123456789012345678})"), true);
+        row("unknown keys of every type",
+            cut(R"({"X": [{"y": [null, true, false, "s", -1.5, {}]}], "Z": {}, "Speed": 5})"), true);
+        row("values of the wrong type", cut(R"({"Speed": "5", "Blowing": 1, "Pen Action": []})"), true);
+        row("version as text", R"({"Version": "2024a", "Type": {}})", true);
+
+        row("escape in a note", cut("{\"Note\": \"say \\\"dry\\\"\\n\"}"), false);
+        row("escaped key", cut(R"({"Spe\u0065d": 7})"), false);
+        row("exponent", cut(R"({"Power": 1e2})"), false);
+        row("more than 18 digits", cut(R"({"Speed": 1234567890123456789})"), false);
+        row("control character in a string", cut("{\"Note\": \"a\tb\"}"), false);
+        row("key twice in a block", cut(R"({"Speed": 1, "Speed": 2})"), false);
+        row("material twice, the last not an object", materials(R"({"M": {}, "M": 5})"), false);
+        row("thickness key twice",
+            materials(R"({"M": {"Thickness": {"3.00": {"Cutting": {"Speed": 1}},
+                                              "3.00": {"Cutting": {"Speed": 2}}}}})"), false);
+        row("tube twice", R"({"Type": {"Glass": [{"Power": 40}], "Glass": [{"Power": 60}]}})", false);
+        row("names outside the basic plane", materials(R"({"😀": {}, "": {}})"), false);
+        row("version with a fraction", R"({"Version": 2.5, "Type": {}})", false);
+        row("version as an object", R"({"Version": {"major": 2}, "Type": {}})", false);
+        row("byte order mark", "\xef\xbb\xbf{\"Type\": {}}", false);
+        row("deep nesting in an unknown key",
+            cut(QByteArray("{\"X\": " + QByteArray(100, '[') + QByteArray(100, ']') + "}").constData()),
+            false);
+        row("no Type", R"({"Version": 1})", false);
+        row("not an object", "[]", false);
+        row("trailing garbage", R"({"Type": {}} x)", false);
+        row("truncated", R"({"Type": {"Glass": [{"Power": 8)", false);
+        row("not UTF-8", "{\"Type\": {\"\xc0\xaf\": []}}", false);
+        row("surrogate in UTF-8", "{\"Type\": {\"\xed\xa0\x80\": []}}", false);
+        row("trailing comma", R"({"Type": {"Glass": [],}})", false);
+        row("number with a bare point", cut(R"({"Speed": 1.})"), false);
+    }
+
+    // The direct reader takes plain documents and gives what Qt's parser
+    // gives; anything else it leaves to Qt, and a device read still gives
+    // Qt's library.
+    void directReader()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, direct);
+        TestEnvironment env;
+
+        const TwoWays read = readTwoWays(bytes);
+        QCOMPARE(read.direct, direct);
+        QVERIFY(read.agreed);
+        QCOMPARE(readBytes(bytes), read.library);
     }
 
     void materialOrder_data()
