@@ -1,7 +1,9 @@
 // Any bytes as a material library file ("lm.json", an imported library).
-// A failed read leaves the library empty; once read, writing and reading
-// again must settle.
+// The direct reader takes the bytes only when Qt's parser reads the same
+// library from them. A failed read leaves the library empty; once read,
+// writing and reading again must settle.
 #include "library/librarydocument.h"
+#include "library/libraryreader_p.h"
 
 #include <QBuffer>
 #include <QJsonDocument>
@@ -12,8 +14,21 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    CMaterialLibrary direct;
+    if (ReadMaterialLibraryDirect(bytes, direct)) {
+        const QJsonDocument document = QJsonDocument::fromJson(bytes);
+        CMaterialLibrary parsed;
+        if (!document.isObject() || !ReadMaterialLibrary(document.object(), parsed))
+            std::abort();
+        if (!(parsed == direct) || MaterialLibraryText(parsed) != MaterialLibraryText(direct))
+            std::abort();
+    } else if (!direct.IsEmpty()) {
+        std::abort();
+    }
+
     QBuffer buffer;
-    buffer.setData(QByteArray(reinterpret_cast<const char *>(data), qsizetype(size)));
+    buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
 
     CMaterialLibrary library;
