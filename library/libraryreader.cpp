@@ -332,13 +332,7 @@ public:
     template<typename Fn>
     bool members(Value &value, Fn &&fn)
     {
-        if (value.kind != Value::Object)
-            return true;
-        if (!enter(value))
-            return false;
-        if (*m_p == '}')
-            return leaveContainer();
-        for (;;) {
+        return items(value, Value::Object, '}', [&] {
             Key key;
             if (*m_p != '"' || !scanString(key.data, key.size, key.ascii))
                 return false;
@@ -347,44 +341,17 @@ public:
                 return false;
             ++m_p;
             Value member;
-            if (!scanValue(member) || !fn(std::as_const(key), member) || !finish(member))
-                return false;
-            space();
-            if (m_p >= m_end)
-                return false;
-            if (*m_p == '}')
-                return leaveContainer();
-            if (*m_p != ',')
-                return false;
-            ++m_p;
-            space();
-            if (m_p >= m_end)
-                return false;
-        }
+            return scanValue(member) && fn(std::as_const(key), member) && finish(member);
+        });
     }
 
     template<typename Fn>
     bool elements(Value &value, Fn &&fn)
     {
-        if (value.kind != Value::Array)
-            return true;
-        if (!enter(value))
-            return false;
-        if (*m_p == ']')
-            return leaveContainer();
-        for (;;) {
+        return items(value, Value::Array, ']', [&] {
             Value element;
-            if (!scanValue(element) || !fn(element) || !finish(element))
-                return false;
-            space();
-            if (m_p >= m_end)
-                return false;
-            if (*m_p == ']')
-                return leaveContainer();
-            if (*m_p != ',')
-                return false;
-            ++m_p;
-        }
+            return scanValue(element) && fn(element) && finish(element);
+        });
     }
 
     int keyId(const Key &key) const
@@ -472,6 +439,33 @@ private:
     {
         while (m_p < m_end && isSpace(*m_p))
             ++m_p;
+    }
+
+    // The items of an object or an array, `item` reading one of them.
+    template<typename Item>
+    bool items(Value &value, typename Value::Kind kind, char close, Item &&item)
+    {
+        if (value.kind != kind)
+            return true;
+        if (!enter(value))
+            return false;
+        if (*m_p == close)
+            return leaveContainer();
+        for (;;) {
+            if (!item())
+                return false;
+            space();
+            if (m_p >= m_end)
+                return false;
+            if (*m_p == close)
+                return leaveContainer();
+            if (*m_p != ',')
+                return false;
+            ++m_p;
+            space();
+            if (m_p >= m_end)
+                return false;
+        }
     }
 
     bool enter(Value &value)
@@ -722,13 +716,7 @@ public:
     // False when the direct reader declines the document.
     bool document(Value &root, DocumentStage &doc)
     {
-        SeenKeys seen;
-        return j.members(root, [&](const Key &key, Value &v) {
-            const int id = j.keyId(key);
-            if (id != K_Version && id != K_Type)
-                return true;
-            if (!seen.first(id))
-                return false;
+        return knownMembers(root, K_Version, K_Type, [&](int id, Value &v) {
             if (id == K_Version)
                 return j.version(v, doc.version);
             doc.hasType = j.isObject(v);
@@ -744,6 +732,36 @@ private:
             return true;
         else
             return sortByKey(stages);
+    }
+
+    // Members whose keys fall in [first, last], each read once: a key met
+    // twice makes the direct reader decline.
+    template<typename Fn>
+    bool knownMembers(Value &v, int first, int last, Fn &&fn)
+    {
+        SeenKeys seen;
+        return j.members(v, [&](const Key &key, Value &x) {
+            const int id = j.keyId(key);
+            if (id < first || id > last)
+                return true;
+            return seen.first(id) && fn(id, x);
+        });
+    }
+
+    // Members filed in key order: each staged under its key, objects read
+    // by `read`.
+    template<typename Stage, typename Read>
+    bool keyedMembers(Value &v, std::vector<Stage> &out, Read &&read)
+    {
+        const bool ok = j.members(v, [&](const Key &key, Value &x) {
+            Stage stage;
+            stage.key = j.text(key);
+            stage.isObject = j.isObject(x);
+            const bool done = !stage.isObject || read(x, stage);
+            out.push_back(std::move(stage));
+            return done;
+        });
+        return ok && ordered(out);
     }
 
     bool tubes(Value &v, std::vector<TubeStage> &out)
@@ -765,76 +783,39 @@ private:
 
     bool entry(Value &v, EntryStage &e)
     {
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id != K_Power && id != K_Custom && id != K_Material)
-                return true;
-            if (!seen.first(id))
-                return false;
-            if (id == K_Power)
-                e.power = j.scalar(x).toInt(80);
-            else if (id == K_Custom)
-                e.custom = j.scalar(x).toBool(false);
-            else
-                return materials(x, e.materials);
-            return true;
-        });
-    }
-
-    bool materials(Value &v, std::vector<MaterialStage> &out)
-    {
-        const bool ok = j.members(v, [&](const Key &key, Value &x) {
-            MaterialStage m;
-            m.key = j.text(key);
-            m.isObject = j.isObject(x);
-            const bool read = !m.isObject || material(x, m);
-            out.push_back(std::move(m));
-            return read;
-        });
-        return ok && ordered(out);
-    }
-
-    bool material(Value &v, MaterialStage &m)
-    {
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id != K_Id && id != K_IconPath && id != K_IconData && id != K_Thickness)
-                return true;
-            if (!seen.first(id))
-                return false;
+        // "Power" is a block key too: the keys between it and "Material" are
+        // passed over.
+        return knownMembers(v, K_Power, K_Material, [&](int id, Value &x) {
             switch (id) {
-            case K_Id: m.id = usableId(j.scalar(x)); return true;
-            case K_IconPath: m.iconPath = j.string(x); return true;
-            case K_IconData: m.iconBase64 = j.string(x); return true;
-            default: return thicknesses(x, m.thicknesses);
+            case K_Power: e.power = j.scalar(x).toInt(80); return true;
+            case K_Custom: e.custom = j.scalar(x).toBool(false); return true;
+            case K_Material:
+                return keyedMembers(x, e.materials, [this](Value &m, MaterialStage &stage) {
+                    return material(m, stage);
+                });
+            default: return true;
             }
         });
     }
 
-    bool thicknesses(Value &v, std::vector<ThicknessStage> &out)
+    bool material(Value &v, MaterialStage &m)
     {
-        const bool ok = j.members(v, [&](const Key &key, Value &x) {
-            ThicknessStage t;
-            t.key = j.text(key);
-            t.isObject = j.isObject(x);
-            const bool read = !t.isObject || crafts(x, t);
-            out.push_back(std::move(t));
-            return read;
+        return knownMembers(v, K_Id, K_Thickness, [&](int id, Value &x) {
+            switch (id) {
+            case K_Id: m.id = usableId(j.scalar(x)); return true;
+            case K_IconPath: m.iconPath = j.string(x); return true;
+            case K_IconData: m.iconBase64 = j.string(x); return true;
+            default:
+                return keyedMembers(x, m.thicknesses, [this](Value &t, ThicknessStage &stage) {
+                    return crafts(t, stage);
+                });
+            }
         });
-        return ok && ordered(out);
     }
 
     bool crafts(Value &v, ThicknessStage &t)
     {
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < K_Craft || id >= K_Count)
-                return true;
-            if (!seen.first(id))
-                return false;
+        return knownMembers(v, K_Craft, K_Count - 1, [&](int id, Value &x) {
             const quint32 craft = quint32(id - K_Craft);
             if (craft == LIB_CRAFT_MARK) {
                 t.mark = j.isNonEmpty(x);
@@ -884,116 +865,91 @@ private:
         return true;
     }
 
-    bool cut(Value &v, CLibCutSet &set, bool cutting)
+    // The members both kinds of block have; `own` reads the others.
+    template<typename Set, typename Own>
+    bool block(Value &v, Set &set, bool dwell, Own &&own)
     {
         CLibLaser lasers[2] = {set.laser1, set.laser2};
-        SeenKeys seen;
-        const bool ok = j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < 0 || id >= K_BlockEnd)
-                return true;
-            if (!seen.first(id))
-                return false;
-            if (laserMember(id, x, lasers, true))
+        const bool ok = knownMembers(v, 0, K_BlockEnd - 1, [&](int id, Value &x) {
+            if (laserMember(id, x, lasers, dwell))
                 return true;
             decltype(auto) s = j.scalar(x);
             switch (id) {
-            case K_Blowing: set.blowing = s.toBool(false); break;
-            // Whole numbers only: 12.5 reads as 0, as it always has.
-            case K_Speed: set.speed = s.toInt(0); break;
-            case K_Power: lasers[0].power = s.toDouble(0.0); break;
-            case K_TurnPower: lasers[0].turnPower = s.toDouble(0.0); break;
-            case K_Frequency1: lasers[0].frequency = TruncateToInt(s.toDouble(4000.0)); break;
-            case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(s.toDouble(500.0)); break;
-            case K_SealLength: set.sealLength = s.toInt(0); break;
-            case K_Power2: lasers[1].power = s.toDouble(20.0); break;
-            case K_TurnPower2: lasers[1].turnPower = s.toDouble(20.0); break;
-            case K_Frequency2: lasers[1].frequency = TruncateToInt(s.toDouble(4000.0)); break;
-            case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(s.toDouble(500.0)); break;
+            case K_Blowing: set.blowing = s.toBool(false); return true;
+            case K_Power: lasers[0].power = s.toDouble(0.0); return true;
+            case K_Frequency1: lasers[0].frequency = TruncateToInt(s.toDouble(4000.0)); return true;
+            case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(s.toDouble(500.0)); return true;
+            case K_Power2: lasers[1].power = s.toDouble(20.0); return true;
+            case K_Frequency2: lasers[1].frequency = TruncateToInt(s.toDouble(4000.0)); return true;
+            case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(s.toDouble(500.0)); return true;
             case K_PenAction: return pen(x, set.pen);
-            case K_Note: set.note = j.string(x); break;
+            case K_Note: set.note = j.string(x); return true;
+            default: return own(id, x, static_cast<const QJsonValue &>(s), lasers);
+            }
+        });
+        set.laser1 = lasers[0];
+        set.laser2 = lasers[1];
+        return ok;
+    }
+
+    bool cut(Value &v, CLibCutSet &set, bool cutting)
+    {
+        return block(v, set, true, [&](int id, Value &x, const QJsonValue &s, CLibLaser *lasers) {
+            switch (id) {
+            // Whole numbers only: 12.5 reads as 0, as it always has.
+            case K_Speed: set.speed = s.toInt(0); return true;
+            case K_TurnPower: lasers[0].turnPower = s.toDouble(0.0); return true;
+            case K_SealLength: set.sealLength = s.toInt(0); return true;
+            case K_TurnPower2: lasers[1].turnPower = s.toDouble(20.0); return true;
             default: break;
             }
             if (!cutting)
                 return true;
             // Read for "Cutting" only; a "Tracing" block keeps the defaults.
             switch (id) {
-            case K_Bridges: set.bridges = s.toBool(false); break;
-            case K_BridgesSpace: set.bridgesSpace = s.toDouble(0.0); break;
-            case K_BridgesLength: set.bridgesLength = s.toDouble(0.0); break;
-            case K_UseGuideLine: set.useGuideLine = s.toBool(false); break;
+            case K_Bridges: set.bridges = s.toBool(false); return true;
+            case K_BridgesSpace: set.bridgesSpace = s.toDouble(0.0); return true;
+            case K_BridgesLength: set.bridgesLength = s.toDouble(0.0); return true;
+            case K_UseGuideLine: set.useGuideLine = s.toBool(false); return true;
             case K_GuideLine: return guide(x, set);
             case K_Compensate: return compensate(x, set);
-            default: break;
+            default: return true;
             }
-            return true;
         });
-        set.laser1 = lasers[0];
-        set.laser2 = lasers[1];
-        return ok;
     }
 
     bool sweep(Value &v, CLibSweepSet &set, bool deep)
     {
-        CLibLaser lasers[2] = {set.laser1, set.laser2};
-        SeenKeys seen;
-        const bool ok = j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < 0 || id >= K_BlockEnd)
-                return true;
-            if (!seen.first(id))
-                return false;
-            if (laserMember(id, x, lasers, false))
-                return true;
-            decltype(auto) s = j.scalar(x);
+        return block(v, set, false, [&](int id, Value &x, const QJsonValue &s, CLibLaser *) {
             switch (id) {
-            case K_Blowing: set.blowing = s.toBool(false); break;
-            case K_Speed: set.speed = s.toDouble(0.0); break;
-            case K_Power: lasers[0].power = s.toDouble(0.0); break;
-            case K_Frequency1: lasers[0].frequency = TruncateToInt(s.toDouble(4000.0)); break;
-            case K_PulseWidth1: lasers[0].pulseWidth = TruncateToInt(s.toDouble(500.0)); break;
-            case K_Power2: lasers[1].power = s.toDouble(20.0); break;
-            case K_Frequency2: lasers[1].frequency = TruncateToInt(s.toDouble(4000.0)); break;
-            case K_PulseWidth2: lasers[1].pulseWidth = TruncateToInt(s.toDouble(500.0)); break;
-            case K_Dpi: set.dpi = s.toInt(0); break;
+            case K_Speed: set.speed = s.toDouble(0.0); return true;
+            case K_Dpi: set.dpi = s.toInt(0); return true;
             // Written as a number, read by name: a number reads as 0.
-            case K_Mode: set.mode = SweepModeIndex(j.string(x)); break;
-            case K_RampLength: set.rampLength = s.toDouble(0.0); break;
-            case K_Is3DRelief: set.is3DRelief = s.toBool(false); break;
-            case K_OffsetEngraving: set.offsetEngraving = s.toBool(false); break;
-            case K_OffsetType: set.offsetType = s.toInt(0); break;
-            case K_OffsetDistance: set.offsetDistance = s.toDouble(0.1); break;
-            case K_PenAction: return pen(x, set.pen);
-            case K_Note: set.note = j.string(x); break;
+            case K_Mode: set.mode = SweepModeIndex(j.string(x)); return true;
+            case K_RampLength: set.rampLength = s.toDouble(0.0); return true;
+            case K_Is3DRelief: set.is3DRelief = s.toBool(false); return true;
+            case K_OffsetEngraving: set.offsetEngraving = s.toBool(false); return true;
+            case K_OffsetType: set.offsetType = s.toInt(0); return true;
+            case K_OffsetDistance: set.offsetDistance = s.toDouble(0.1); return true;
             default: break;
             }
             if (!deep)
                 return true;
             switch (id) {
-            case K_IsRamp: set.isRamp = s.toBool(false); break;
-            case K_MinPower: set.minPower = s.toDouble(0.0); break;
-            case K_MaxPower: set.maxPower = s.toDouble(0.0); break;
-            case K_CarvingNumber: set.carvingNumber = s.toInt(0); break;
-            default: break;
+            case K_IsRamp: set.isRamp = s.toBool(false); return true;
+            case K_MinPower: set.minPower = s.toDouble(0.0); return true;
+            case K_MaxPower: set.maxPower = s.toDouble(0.0); return true;
+            case K_CarvingNumber: set.carvingNumber = s.toInt(0); return true;
+            default: return true;
             }
-            return true;
         });
-        set.laser1 = lasers[0];
-        set.laser2 = lasers[1];
-        return ok;
     }
 
     // The nested objects: present but not an object, they give all defaults.
     bool pen(Value &v, CLibPen &pen)
     {
         pen = CLibPen();
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < K_PenUpDown || id > K_PenUpHeight)
-                return true;
-            if (!seen.first(id))
-                return false;
+        return knownMembers(v, K_PenUpDown, K_PenUpHeight, [&](int id, Value &x) {
             decltype(auto) s = j.scalar(x);
             switch (id) {
             case K_PenUpDown: pen.enableUpDown = s.toBool(false); break;
@@ -1013,13 +969,7 @@ private:
         set.guideInLen = 0.0;
         set.guideOut = 0;
         set.guideOutLen = 0.0;
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < K_GuideType || id > K_GuideOutLen)
-                return true;
-            if (!seen.first(id))
-                return false;
+        return knownMembers(v, K_GuideType, K_GuideOutLen, [&](int id, Value &x) {
             decltype(auto) s = j.scalar(x);
             switch (id) {
             case K_GuideType: set.guideType = s.toInt(0); break;
@@ -1037,13 +987,7 @@ private:
         set.useCompensate = false;
         set.compensateOutward = true;
         set.compensateSize = 0.25;
-        SeenKeys seen;
-        return j.members(v, [&](const Key &key, Value &x) {
-            const int id = j.keyId(key);
-            if (id < K_UseCompensate || id > K_CompensateSize)
-                return true;
-            if (!seen.first(id))
-                return false;
+        return knownMembers(v, K_UseCompensate, K_CompensateSize, [&](int id, Value &x) {
             decltype(auto) s = j.scalar(x);
             switch (id) {
             case K_UseCompensate: set.useCompensate = s.toBool(false); break;
