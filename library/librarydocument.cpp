@@ -1,7 +1,5 @@
 #include "librarydocument.h"
 
-#include "support/units.h"
-
 #include "crunningoptions.h"
 #include "librarykeys_p.h"
 #include "libraryreader_p.h"
@@ -12,12 +10,9 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QSaveFile>
-#include <QSet>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
-#include <set>
 #include <string_view>
 
 namespace {
