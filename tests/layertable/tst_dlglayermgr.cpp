@@ -21,6 +21,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -178,6 +179,37 @@ class tst_DlgLayerMgr : public QObject
     Q_OBJECT
 
 private slots:
+    // On the selected row an eye sits on the table's highlight colour:
+    // enough of it must stand apart from that colour to be seen.
+    void eyesShowOnSelectedRows_data()
+    {
+        QTest::addColumn<QString>("icon");
+        QTest::newRow("output on") << QStringLiteral("LayerEye");
+        QTest::newRow("output off") << QStringLiteral("LayerCloseEye");
+    }
+
+    void eyesShowOnSelectedRows()
+    {
+        QFETCH(QString, icon);
+        PanelFixture f;
+        const QColor highlight = f.table->palette().color(QPalette::Active, QPalette::Highlight);
+        QImage image(20, 20, QImage::Format_ARGB32);
+        image.fill(highlight);
+        QPainter painter(&image);
+        QIcon(kIconDir + icon + ".svg").paint(&painter, image.rect());
+        painter.end();
+        int distinct = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                distinct += std::abs(c.red() - highlight.red()) + std::abs(c.green() - highlight.green())
+                        + std::abs(c.blue() - highlight.blue())
+                    > 150;
+            }
+        }
+        QVERIFY2(distinct >= 40, qPrintable(QString::number(distinct)));
+    }
+
     void formAndColumns()
     {
         PanelFixture f;
