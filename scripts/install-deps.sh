@@ -10,6 +10,7 @@ packages=(
     libbenchmark-dev
     clang libclang-rt-dev
     xvfb xauth
+    fonts-wqy-microhei
 )
 
 missing=()
