@@ -365,6 +365,8 @@ private slots:
             "pen.upHeight", 8.0);
         row("dwell time of laser 2", cutting, R"({"End Dwell Time2": 9})", "laser2.endDwellTime", 9);
         row("note", cutting, R"({"Note": "keep dry"})", "note", QStringLiteral("keep dry"));
+        row("key given twice: the last counts", cutting, R"({"Speed": 1, "Note": "a", "Speed": 2})",
+            "speed", 2.0);
 
         row("default laser 2 power", cutting, "{}", "laser2.power", 20.0);
         row("default laser 2 corner power", cutting, "{}", "laser2.turnPower", 20.0);
