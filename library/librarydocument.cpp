@@ -19,106 +19,6 @@ namespace {
 
 using namespace LibraryKeys;
 
-QJsonObject writePen(const CLibPen &pen)
-{
-    QJsonObject o;
-    o.insert(kPenUpDown, pen.enableUpDown);
-    o.insert(kPenDown, pen.enableDown);
-    o.insert(kPenUp, pen.enableUp);
-    o.insert(kPenDownHeight, pen.downHeight);
-    o.insert(kPenUpHeight, pen.upHeight);
-    return o;
-}
-
-void writeDelays(QJsonObject &o, int which, const CLibLaser &laser)
-{
-    const LaserKeys &k = kLaserKeys[which];
-    o.insert(k.jumpDelay, laser.jumpDelay);
-    o.insert(k.cornerDelay, laser.cornerDelay);
-}
-
-void writeDwell(QJsonObject &o, int which, const CLibLaser &laser)
-{
-    const LaserKeys &k = kLaserKeys[which];
-    o.insert(k.dwellMode, laser.dwellMode);
-    o.insert(k.dwellOn, laser.dwellOn);
-    o.insert(k.startDwell, laser.startDwell);
-    o.insert(k.endDwell, laser.endDwell);
-    o.insert(k.startDwellTime, laser.startDwellTime);
-    o.insert(k.endDwellTime, laser.endDwellTime);
-    o.insert(k.dwellPower, laser.dwellPower);
-}
-
-QJsonObject writeCut(const CLibCutSet &set)
-{
-    QJsonObject o;
-    o.insert(kBlowing, set.blowing);
-    o.insert(kSpeed, set.speed);
-    o.insert(kPower, set.laser1.power);
-    o.insert(kTurnPower, set.laser1.turnPower);
-    o.insert(kFrequency1, set.laser1.frequency);
-    o.insert(kPulseWidth1, set.laser1.pulseWidth);
-    o.insert(kSealLength, set.sealLength);
-    o.insert(kBridges, set.bridges);
-    o.insert(kBridgesSpace, set.bridgesSpace);
-    o.insert(kBridgesLength, set.bridgesLength);
-    o.insert(kUseGuideLine, set.useGuideLine);
-    o.insert(kPower2, set.laser2.power);
-    o.insert(kTurnPower2, set.laser2.turnPower);
-    o.insert(kFrequency2, set.laser2.frequency);
-    o.insert(kPulseWidth2, set.laser2.pulseWidth);
-    writeDelays(o, 0, set.laser1);
-    writeDelays(o, 1, set.laser2);
-    writeDwell(o, 0, set.laser1);
-    writeDwell(o, 1, set.laser2);
-    QJsonObject guide;
-    guide.insert(kGuideType, set.guideType);
-    guide.insert(kGuideIn, set.guideIn);
-    guide.insert(kGuideInLen, set.guideInLen);
-    guide.insert(kGuideOut, set.guideOut);
-    guide.insert(kGuideOutLen, set.guideOutLen);
-    o.insert(kGuideLine, guide);
-    o.insert(kPenAction, writePen(set.pen));
-    QJsonObject compensate;
-    compensate.insert(kUseCompensate, set.useCompensate);
-    compensate.insert(kCompensateOutward, set.compensateOutward);
-    compensate.insert(kCompensateSize, set.compensateSize);
-    o.insert(kCompensate, compensate);
-    o.insert(kNote, set.note);
-    return o;
-}
-
-QJsonObject writeSweep(const CLibSweepSet &set)
-{
-    QJsonObject o;
-    o.insert(kBlowing, set.blowing);
-    o.insert(kSpeed, set.speed);
-    o.insert(kPower, set.laser1.power);
-    o.insert(kFrequency1, set.laser1.frequency);
-    o.insert(kPulseWidth1, set.laser1.pulseWidth);
-    o.insert(kPower2, set.laser2.power);
-    o.insert(kFrequency2, set.laser2.frequency);
-    o.insert(kPulseWidth2, set.laser2.pulseWidth);
-    o.insert(kDpi, set.dpi);
-    o.insert(kMode, set.mode);
-    o.insert(kRampLength, set.rampLength);
-    o.insert(kIs3DRelief, set.is3DRelief);
-    o.insert(kOffsetEngraving, set.offsetEngraving);
-    o.insert(kOffsetType, set.offsetType);
-    o.insert(kOffsetDistance, set.offsetDistance);
-    writeDelays(o, 0, set.laser1);
-    writeDelays(o, 1, set.laser2);
-    if (set.key.craft == LIB_CRAFT_DEEP) {
-        o.insert(kIsRamp, set.isRamp);
-        o.insert(kMinPower, set.minPower);
-        o.insert(kMaxPower, set.maxPower);
-        o.insert(kCarvingNumber, set.carvingNumber);
-    }
-    o.insert(kPenAction, writePen(set.pen));
-    o.insert(kNote, set.note);
-    return o;
-}
-
 // The writer's text form without building the document first: the same
 // bytes QJsonDocument::toJson() gives for MaterialLibraryToJson() (keys in
 // its order, its number and string forms), at a fraction of the cost.
@@ -223,13 +123,14 @@ private:
 struct Member
 {
     enum Kind { Bool, Int, Double, Text, Object };
+    Member(QLatin1String name, Kind type) : key(name), kind(type) {}
     QLatin1String key;
     Kind kind;
     bool b = false;
     qint64 i = 0;
     double d = 0.0;
     const QString *text = nullptr;
-    const std::vector<Member> *members = nullptr;
+    std::vector<Member> members;
 };
 
 Member boolMember(QLatin1String key, bool value)
@@ -256,10 +157,10 @@ Member textMember(QLatin1String key, const QString &value)
     m.text = &value;
     return m;
 }
-Member objectMember(QLatin1String key, const std::vector<Member> &members)
+Member objectMember(QLatin1String key, std::vector<Member> members)
 {
     Member m{key, Member::Object};
-    m.members = &members;
+    m.members = std::move(members);
     return m;
 }
 
@@ -273,7 +174,7 @@ void writeMember(JsonText &json, const Member &m, int level)
     case Member::Int: json.integer(m.i); break;
     case Member::Double: json.number(m.d); break;
     case Member::Text: json.string(*m.text); break;
-    case Member::Object: writeObject(json, *m.members, level); break;
+    case Member::Object: writeObject(json, m.members, level); break;
     }
 }
 
@@ -316,14 +217,14 @@ void laserMembers(std::vector<Member> &m, int which, const CLibLaser &laser, boo
     m.push_back(doubleMember(k.dwellPower, laser.dwellPower));
 }
 
-void writeCutText(JsonText &json, const CLibCutSet &set, int level)
+// The members of a block, for both the text and the QJsonObject writer.
+std::vector<Member> cutMembers(const CLibCutSet &set)
 {
-    const std::vector<Member> guide = {
+    std::vector<Member> guide = {
         intMember(kGuideType, set.guideType), intMember(kGuideIn, set.guideIn),
         doubleMember(kGuideInLen, set.guideInLen), intMember(kGuideOut, set.guideOut),
         doubleMember(kGuideOutLen, set.guideOutLen)};
-    const std::vector<Member> pen = penMembers(set.pen);
-    const std::vector<Member> compensate = {
+    std::vector<Member> compensate = {
         boolMember(kUseCompensate, set.useCompensate),
         boolMember(kCompensateOutward, set.compensateOutward),
         doubleMember(kCompensateSize, set.compensateSize)};
@@ -343,19 +244,18 @@ void writeCutText(JsonText &json, const CLibCutSet &set, int level)
         doubleMember(kTurnPower2, set.laser2.turnPower),
         intMember(kFrequency2, set.laser2.frequency),
         intMember(kPulseWidth2, set.laser2.pulseWidth),
-        objectMember(kGuideLine, guide),
-        objectMember(kPenAction, pen),
-        objectMember(kCompensate, compensate),
+        objectMember(kGuideLine, std::move(guide)),
+        objectMember(kPenAction, penMembers(set.pen)),
+        objectMember(kCompensate, std::move(compensate)),
         textMember(kNote, set.note),
     };
     laserMembers(m, 0, set.laser1, true);
     laserMembers(m, 1, set.laser2, true);
-    writeObject(json, std::move(m), level);
+    return m;
 }
 
-void writeSweepText(JsonText &json, const CLibSweepSet &set, int level)
+std::vector<Member> sweepMembers(const CLibSweepSet &set)
 {
-    const std::vector<Member> pen = penMembers(set.pen);
     std::vector<Member> m = {
         boolMember(kBlowing, set.blowing),
         doubleMember(kSpeed, set.speed),
@@ -372,7 +272,7 @@ void writeSweepText(JsonText &json, const CLibSweepSet &set, int level)
         boolMember(kOffsetEngraving, set.offsetEngraving),
         intMember(kOffsetType, set.offsetType),
         doubleMember(kOffsetDistance, set.offsetDistance),
-        objectMember(kPenAction, pen),
+        objectMember(kPenAction, penMembers(set.pen)),
         textMember(kNote, set.note),
     };
     laserMembers(m, 0, set.laser1, false);
@@ -383,7 +283,27 @@ void writeSweepText(JsonText &json, const CLibSweepSet &set, int level)
         m.push_back(doubleMember(kMaxPower, set.maxPower));
         m.push_back(intMember(kCarvingNumber, set.carvingNumber));
     }
-    writeObject(json, std::move(m), level);
+    return m;
+}
+
+std::vector<Member> markMembers(const CLibMarkSet &set)
+{
+    return {textMember(kNote, set.note)};
+}
+
+QJsonObject jsonObject(const std::vector<Member> &members)
+{
+    QJsonObject o;
+    for (const Member &m : members) {
+        switch (m.kind) {
+        case Member::Bool: o.insert(m.key, m.b); break;
+        case Member::Int: o.insert(m.key, m.i); break;
+        case Member::Double: o.insert(m.key, m.d); break;
+        case Member::Text: o.insert(m.key, *m.text); break;
+        case Member::Object: o.insert(m.key, jsonObject(m.members)); break;
+        }
+    }
+    return o;
 }
 
 // Keys in the order a QJsonObject keeps them; of equal keys the last counts.
@@ -417,14 +337,8 @@ void writeThicknessText(JsonText &json, const CMaterialLibrary &library, CLibKey
             json.out += ",\n";
         first = false;
         json.key(level + 1, kCraftKeys[craft]);
-        if (cut) {
-            writeCutText(json, *cut, level + 1);
-        } else if (sweep) {
-            writeSweepText(json, *sweep, level + 1);
-        } else {
-            const std::vector<Member> note = {textMember(kNote, mark->note)};
-            writeObject(json, note, level + 1);
-        }
+        writeObject(json, cut ? cutMembers(*cut) : sweep ? sweepMembers(*sweep) : markMembers(*mark),
+                    level + 1);
     }
     if (!first)
         json.out += '\n';
@@ -672,15 +586,12 @@ QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
                     QJsonObject crafts;
                     for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
                         key.craft = craft;
-                        if (const CLibCutSet *cut = library.FindCutSet(key)) {
-                            crafts.insert(kCraftKeys[craft], writeCut(*cut));
-                        } else if (const CLibSweepSet *sweep = library.FindSweepSet(key)) {
-                            crafts.insert(kCraftKeys[craft], writeSweep(*sweep));
-                        } else if (const CLibMarkSet *mark = library.FindMarkSet(key)) {
-                            QJsonObject note;
-                            note.insert(kNote, mark->note);
-                            crafts.insert(kCraftKeys[craft], note);
-                        }
+                        if (const CLibCutSet *cut = library.FindCutSet(key))
+                            crafts.insert(kCraftKeys[craft], jsonObject(cutMembers(*cut)));
+                        else if (const CLibSweepSet *sweep = library.FindSweepSet(key))
+                            crafts.insert(kCraftKeys[craft], jsonObject(sweepMembers(*sweep)));
+                        else if (const CLibMarkSet *mark = library.FindMarkSet(key))
+                            crafts.insert(kCraftKeys[craft], jsonObject(markMembers(*mark)));
                     }
                     thicknesses.insert(ThicknessKey(thickness), crafts);
                 }
