@@ -1,3 +1,8 @@
 #include "ilayerhost.h"
 
 ILayerHost::~ILayerHost() = default;
+
+IDevicesInfo *ILayerHost::DevicesInfo() const
+{
+    return nullptr;
+}

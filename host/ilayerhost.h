@@ -2,6 +2,8 @@
 
 #include "hostsdk_global.h"
 
+class IDevicesInfo;
+
 // The host object handed to CreateLayerMgr. The plug-in calls it after the
 // user changed layers in the panel; what the host does then is its own
 // business (redraw, mark the document modified, ...).
@@ -18,4 +20,7 @@ public:
     // The current layer in the panel changed.
     virtual void CurrentLayerChanged() = 0;
     virtual void RefreshView() = 0;
+    // The connected machine as the host knows it; null when the host has no
+    // such service.
+    virtual IDevicesInfo *DevicesInfo() const;
 };
