@@ -65,17 +65,29 @@ void CCanvas::SetOutputQuery(std::function<bool(quint32)> query)
     update();
 }
 
+void CCanvas::FitToDrawing()
+{
+    m_world = PageRect();
+    if (!m_drawing->Items().empty()) {
+        // A lone straight line has no height; give it some to scale by.
+        const QRectF bounds = m_drawing->Bounds();
+        const QPointF centre = bounds.center();
+        m_world = bounds;
+        m_world.setWidth(qMax(bounds.width(), 1.0));
+        m_world.setHeight(qMax(bounds.height(), 1.0));
+        m_world.moveCenter(centre);
+    }
+    updateView();
+    update();
+}
+
 void CCanvas::updateView()
 {
-    // The page and whatever lies beyond it, scaled to fit and centred.
-    QRectF world = PageRect();
-    const QRectF bounds = m_drawing->Bounds();
-    if (!m_drawing->Items().empty()) {
-        world.setLeft(qMin(world.left(), bounds.left()));
-        world.setTop(qMin(world.top(), bounds.top()));
-        world.setRight(qMax(world.right(), bounds.right()));
-        world.setBottom(qMax(world.bottom(), bounds.bottom()));
-    }
+    // What was fitted, and whatever has since been drawn or moved beyond it,
+    // scaled to fit and centred.
+    QRectF world = m_world;
+    if (!m_drawing->Items().empty())
+        world = world.united(m_drawing->Bounds());
     const qreal w = qMax(1, width() - 2 * kMarginPixels);
     const qreal h = qMax(1, height() - 2 * kMarginPixels);
     const qreal scale = qMin(w / world.width(), h / world.height());

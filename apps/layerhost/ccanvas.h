@@ -35,6 +35,10 @@ public:
 
     // The work area, in millimetres.
     static QRectF PageRect() { return QRectF(0, 0, 400, 300); }
+    // Shows the whole drawing as large as the widget allows, the page when
+    // the drawing is empty. Later edits only ever widen the view.
+    void FitToDrawing();
+
     // Millimetres to widget pixels.
     QTransform ViewTransform() const { return m_view; }
     QPointF ToWidget(const QPointF &mm) const { return m_view.map(mm); }
@@ -70,6 +74,7 @@ private:
     ECANVAS_TOOL m_tool = TOOL_SELECT;
     quint32 m_color = 0;
     std::function<bool(quint32)> m_isOutput;
+    QRectF m_world = PageRect(); // millimetres
     QTransform m_view;
     Drag m_drag = Drag::None;
     bool m_extend = false;

@@ -4,7 +4,13 @@
 
 CHostCallback::CHostCallback(QObject *parent)
     : QObject(parent)
+    , m_devices(std::make_unique<CDevicesInfoIns>())
 {
+    // A desktop machine, not connected, until the Machine menu says otherwise.
+    m_devices->SetMachineKind(1);
+    m_devices->SetValue(QStringLiteral("MaxPower"), 20);
+    m_devices->SetValue(QStringLiteral("CurrentRdCardType"), 8);
+    m_devices->SetValue(QStringLiteral("IsDualLaser"), false);
 }
 
 void CHostCallback::LayersChanged()
@@ -25,6 +31,11 @@ void CHostCallback::CurrentLayerChanged()
 void CHostCallback::RefreshView()
 {
     emit SigRefreshView();
+}
+
+IDevicesInfo *CHostCallback::DevicesInfo() const
+{
+    return m_devices.get();
 }
 
 QString CHostCallback::LayersChangedText()

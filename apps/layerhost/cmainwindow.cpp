@@ -4,6 +4,7 @@
 #include "ccolorpalette.h"
 #include "cdrawing.h"
 #include "chostcallback.h"
+#include "cmachinemenu.h"
 #include "cprojectfile.h"
 #include "csvgimporter.h"
 #include "hostwording.h"
@@ -91,8 +92,10 @@ CMainWindow::CMainWindow(QWidget *parent)
 
     setDocument(QString(), QString());
     retranslate();
-    resize(1280, 800);
-    resizeDocks({m_dock}, {560}, Qt::Horizontal);
+    // Wide enough for the panel's columns to show their longest texts
+    // ("Shallow Engrave") in full.
+    resize(1600, 900);
+    resizeDocks({m_dock}, {920}, Qt::Horizontal);
 }
 
 CMainWindow::~CMainWindow()
@@ -204,11 +207,6 @@ void CMainWindow::createActions()
         });
     }
 
-    m_twoLasersAction = newAction("action_twoLasers", "Two lasers",
-                                  "The machine has two laser sources");
-    m_twoLasersAction->setCheckable(true);
-    connect(m_twoLasersAction, &QAction::toggled, this, &CMainWindow::SetTwoLasers);
-
     m_languageGroup = new QActionGroup(this);
     const QPair<const char *, const char *> languages[] = {{"action_languageEn", "English"},
                                                            {"action_languageChs", "Chinese"}};
@@ -259,8 +257,9 @@ void CMainWindow::createMenus()
     menu = addMenu("menu_units", "&Units");
     menu->addActions(m_unitGroup->actions());
 
-    menu = addMenu("menu_machine", "&Machine");
-    menu->addAction(m_twoLasersAction);
+    m_machineMenu = new CMachineMenu(m_callback->Devices(), this);
+    menuBar()->addMenu(m_machineMenu);
+    connect(m_machineMenu, &CMachineMenu::SigSecondLaserToggled, this, &CMainWindow::SetTwoLasers);
 
     menu = addMenu("menu_language", "&Language");
     menu->addActions(m_languageGroup->actions());
@@ -365,7 +364,7 @@ bool CMainWindow::LoadPlugin(const QString &library, QString *error)
         layout->addWidget(m_placeholder);
     }
     Module()->SetUnitMode(m_unitMode);
-    Module()->SetPanelFlag(m_twoLasers);
+    Module()->SetPanelFlag(TwoLasers());
 
     QList<CColorPalette::Entry> entries{{0x000000, 0}};
     for (quint32 n = 1; n <= 35; ++n)
@@ -425,6 +424,7 @@ void CMainWindow::setDocument(const QString &projectPath, const QString &name)
 void CMainWindow::ShowSampleDrawing()
 {
     m_drawing->SetItems(BuildSampleDrawing());
+    m_canvas->FitToDrawing();
     setDocument(QString(), Wording("Sample drawing"));
 }
 
@@ -445,6 +445,7 @@ bool CMainWindow::OpenDrawing(const QString &path, QString *error)
         return false;
     }
     m_drawing->SetItems(importer.TakeItems());
+    m_canvas->FitToDrawing();
     setDocument(QString(), fileName(path));
     showStatus(Wording("Opened %1.").arg(fileName(path)));
     return true;
@@ -505,6 +506,7 @@ bool CMainWindow::applyProject(CProjectFile &project, QString *error)
     buffer.open(QIODevice::ReadOnly);
     manager->LoadLayers(&buffer);
     m_drawing->SetItems(std::move(project.m_items));
+    m_canvas->FitToDrawing();
     return true;
 }
 
@@ -523,6 +525,7 @@ bool CMainWindow::ImportSvg(const QString &path, QString *error)
     const int count = int(importer.Items().size());
     const int skipped = importer.SkippedCount();
     m_drawing->AddItems(importer.TakeItems());
+    m_canvas->FitToDrawing();
     QString message = Wording("Imported %1 shapes from %2.").arg(count).arg(fileName(path));
     if (skipped > 0)
         message += QLatin1Char(' ') + Wording("%1 elements were left out.").arg(skipped);
@@ -574,16 +577,26 @@ void CMainWindow::SetUnitMode(int mode)
         Module()->SetUnitMode(mode);
 }
 
+bool CMainWindow::TwoLasers() const
+{
+    return m_callback->Devices()->GetLaser(1).present;
+}
+
 void CMainWindow::SetTwoLasers(bool twoLasers)
 {
-    // Checking the action comes back here through its toggled signal.
-    if (m_twoLasersAction->isChecked() != twoLasers) {
-        m_twoLasersAction->setChecked(twoLasers);
-        return;
-    }
-    m_twoLasers = twoLasers;
+    CDevicesInfoIns *devices = m_callback->Devices();
+    LaserSourceInfo second = devices->GetLaser(1);
+    second.present = twoLasers;
+    devices->SetLaser(1, second);
+    m_machineMenu->Refresh();
     if (Module())
         Module()->SetPanelFlag(twoLasers);
+}
+
+void CMainWindow::SetMachine(const CDevicesInfoIns &machine)
+{
+    *m_callback->Devices() = machine;
+    SetTwoLasers(machine.GetLaser(1).present);
 }
 
 void CMainWindow::SetLanguage(const QString &language)
@@ -606,6 +619,7 @@ void CMainWindow::onNew()
     if (!maybeSave())
         return;
     m_drawing->Clear();
+    m_canvas->FitToDrawing();
     setDocument(QString(), QString());
 }
 

@@ -8,7 +8,9 @@
 class CCanvas;
 class CColorPalette;
 class CDrawing;
+class CDevicesInfoIns;
 class CHostCallback;
+class CMachineMenu;
 class CProjectFile;
 class DlgLayerMgr;
 class QActionGroup;
@@ -32,6 +34,8 @@ public:
     CLayerMgrModuleApi *Module() const { return m_plugin.Module(); }
     ILayerMgr *Manager() const { return m_plugin.Manager(); }
     DlgLayerMgr *Panel() const { return m_panel; }
+    // The dock's widget that holds the panel.
+    QWidget *PanelHost() const { return m_panelHost; }
     CHostCallback *HostCallback() const { return m_callback; }
     CDrawing *Drawing() const { return m_drawing; }
     CCanvas *Canvas() const { return m_canvas; }
@@ -51,8 +55,12 @@ public:
 
     int UnitMode() const { return m_unitMode; }
     void SetUnitMode(int mode);
-    bool TwoLasers() const { return m_twoLasers; }
+    // The second laser's presence in the host's device service, which is
+    // also the panel's dual-laser flag.
+    bool TwoLasers() const;
     void SetTwoLasers(bool twoLasers);
+    // Replaces what the host's device service reports.
+    void SetMachine(const CDevicesInfoIns &machine);
     // "En" or "Chs".
     void SetLanguage(const QString &language);
 
@@ -110,9 +118,8 @@ private:
     QActionGroup *m_toolGroup = nullptr;
     QActionGroup *m_unitGroup = nullptr;
     QActionGroup *m_languageGroup = nullptr;
-    QAction *m_twoLasersAction = nullptr;
+    CMachineMenu *m_machineMenu = nullptr;
     QString m_projectPath;
     QString m_documentName;
     int m_unitMode = 1;
-    bool m_twoLasers = false;
 };

@@ -8,6 +8,7 @@
 #include <QTransform>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -222,6 +223,13 @@ bool shapeGeometry(QStringView name, const QXmlStreamAttributes &a, EDRAW_KIND *
     return false;
 }
 
+// Members that are groups are of one colour already: mixed ones were split.
+bool oneColour(const std::vector<CDrawItem> &items)
+{
+    return std::all_of(items.cbegin(), items.cend(),
+                       [&](const CDrawItem &item) { return item.Color() == items.front().Color(); });
+}
+
 bool withinRange(const QRectF &bounds)
 {
     const double limit = CSvgImporter::kMaxCoordinate;
@@ -350,10 +358,14 @@ bool CSvgImporter::parse(const QByteArray &data)
                 m_items = std::move(frame.items);
             } else if (frame.group && !frame.skip) {
                 std::vector<CDrawItem> &siblings = stack.back().items;
-                if (frame.items.size() == 1)
-                    siblings.push_back(std::move(frame.items.front()));
-                else if (frame.items.size() > 1)
+                // A group takes one colour, so one whose members differ would
+                // lose theirs: it comes in as its members.
+                if (frame.items.size() > 1 && oneColour(frame.items)) {
                     siblings.push_back(CDrawItem::Group(std::move(frame.items)));
+                } else {
+                    for (CDrawItem &item : frame.items)
+                        siblings.push_back(std::move(item));
+                }
             }
         }
     }

@@ -10,7 +10,8 @@ class QIODevice;
 
 // Reads the shapes of an SVG drawing into drawing items, in millimetres.
 // Every shape's stroke colour, or its fill colour when it has no stroke,
-// becomes the item's colour; <g> elements with several shapes become groups;
+// becomes the item's colour; <g> elements with several shapes of one colour
+// become groups, those of several colours their members;
 // <image> elements become image items. Text, <use> and anything that is not
 // drawn directly (definitions, gradients, ...) is left out.
 class CSvgImporter

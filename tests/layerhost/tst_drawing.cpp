@@ -8,8 +8,6 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include <memory>
-
 namespace {
 
 // Left to right: an outline rectangle, a filled ellipse, a line, an image.
@@ -59,179 +57,136 @@ class tst_Drawing : public QObject
 {
     Q_OBJECT
 
-    std::unique_ptr<CDrawing> m_drawing;
-    void pick(qreal x, bool extend = false) { m_drawing->SelectAt(QPointF(x, 10), 1.0, extend); }
-    QString items() const { return DrawItemsText(m_drawing->Items()); }
+    CDrawing m_drawing;
+
+    // "40 +70": picks at x = 40 mm, then x = 70 mm with Shift; y is 10 mm.
+    void pick(const QString &picks)
+    {
+        for (const QString &p : picks.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+            m_drawing.SelectAt(QPointF(QStringView(p).mid(p.startsWith(QLatin1Char('+'))).toDouble(), 10), 1.0,
+                               p.startsWith(QLatin1Char('+')));
+    }
 
 private slots:
-    void init()
-    {
-        m_drawing = std::make_unique<CDrawing>();
-        m_drawing->SetItems(fourShapes());
-    }
+    void init() { m_drawing.SetItems(fourShapes()); }
 
     void shapeListMirrorsItems()
     {
-        std::vector<CDrawItem> items = fourShapes();
         QPainterPath glyph;
         glyph.addRect(0, 0, 1, 1);
+        std::vector<CDrawItem> items = fourShapes();
         items.push_back(CDrawItem(DRAW_TEXT, 0x000000, glyph, true));
         items.push_back(CDrawItem::Group({CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x2431BD),
                                           CDrawItem::Line(QLineF(0, 0, 1, 1), 0xF48244)}));
-        m_drawing->SetItems(std::move(items));
-        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00aa00/1; aa0000/1; 00cafc/0; 000000/2; "
-                                                        "2431bd/3 [2431bd/1, f48244/1]"));
-        m_drawing->Clear();
-        QCOMPARE(m_drawing->ShapeList()->GetCount(), 0);
+        m_drawing.SetItems(std::move(items));
+        QCOMPARE(shapesText(m_drawing), QStringLiteral("0000aa/1; 00aa00/1; aa0000/1; 00cafc/0; 000000/2; "
+                                                       "2431bd/3 [2431bd/1, f48244/1]"));
+        m_drawing.Clear();
+        QCOMPARE(m_drawing.ShapeList()->GetCount(), 0);
     }
 
-    void selectAt_data()
+    void select_data()
     {
-        QTest::addColumn<QPointF>("point");
-        QTest::addColumn<bool>("extend");
+        QTest::addColumn<QString>("picks");
+        QTest::addColumn<QRectF>("band"); // after the picks, when not null
         QTest::addColumn<QString>("selected");
-        // The second shape starts selected.
-        QTest::newRow("outline of the rectangle") << QPointF(0.3, 10) << false << "0";
-        QTest::newRow("inside an outline is a miss") << QPointF(10, 10) << false << "";
-        QTest::newRow("inside a filled shape") << QPointF(40, 10) << false << "1";
-        QTest::newRow("near the line") << QPointF(70, 10.8) << false << "2";
-        QTest::newRow("beside the line") << QPointF(70, 13) << false << "";
-        QTest::newRow("inside the image") << QPointF(100, 10) << false << "3";
-        QTest::newRow("shift adds") << QPointF(100, 10) << true << "1,3";
-        QTest::newRow("shift on a selected shape takes it out") << QPointF(40, 10) << true << "";
-        QTest::newRow("shift on nothing keeps the selection") << QPointF(200, 200) << true << "1";
+        // clang-format off
+        QTest::newRow("outline of the rectangle") << "0.3" << QRectF() << "0";
+        QTest::newRow("inside an outline is a miss") << "40 10" << QRectF() << "";
+        QTest::newRow("inside a filled shape") << "40" << QRectF() << "1";
+        QTest::newRow("near the end of the line") << "80.8" << QRectF() << "2";
+        QTest::newRow("beside the line") << "40 82" << QRectF() << "";
+        QTest::newRow("inside the image, shift adds") << "40 +100" << QRectF() << "1,3";
+        QTest::newRow("shift on a selected shape takes it out") << "40 +100 +40" << QRectF() << "3";
+        QTest::newRow("shift on nothing keeps the selection") << "40 +200" << QRectF() << "1";
+        QTest::newRow("band around everything") << "100" << QRectF(-1, -1, 200, 30) << "0,1,2,3";
+        QTest::newRow("band drawn right to left") << "100" << QRectF(52, 21, -30, -22) << "1";
+        QTest::newRow("a line lies inside a flat band") << "" << QRectF(59, 9, 22, 2) << "2";
+        QTest::newRow("half of a shape is not enough") << "100" << QRectF(-1, -1, 11, 30) << "";
+        // clang-format on
     }
 
-    void selectAt()
+    void select()
     {
-        QFETCH(QPointF, point);
-        QFETCH(bool, extend);
-        QFETCH(QString, selected);
-        pick(40);
-        m_drawing->SelectAt(point, 1.0, extend);
-        QCOMPARE(selectionText(*m_drawing), selected);
+        QFETCH(QString, picks);
+        QFETCH(QRectF, band);
+        pick(picks);
+        if (!band.isNull())
+            m_drawing.SelectInRect(band, false);
+        QTEST(selectionText(m_drawing), "selected");
         // The plug-in's shapes carry the same selection.
         QStringList shapes{"0000aa/1", "00aa00/1", "aa0000/1", "00cafc/0"};
-        for (const QString &index : selected.split(QLatin1Char(','), Qt::SkipEmptyParts))
-            shapes[index.toInt()] += QLatin1Char('*');
-        QCOMPARE(shapesText(*m_drawing), shapes.join(QStringLiteral("; ")));
+        for (int index : m_drawing.SelectedIndexes())
+            shapes[index] += QLatin1Char('*');
+        QCOMPARE(shapesText(m_drawing), shapes.join(QStringLiteral("; ")));
     }
 
-    void selectInRect_data()
+    void edit_data()
     {
-        QTest::addColumn<QRectF>("band");
+        QTest::addColumn<QString>("picks");
+        QTest::addColumn<QString>("ops");
+        QTest::addColumn<QString>("items");
+        QTest::addColumn<QString>("bounds");
         QTest::addColumn<QString>("selected");
-        QTest::newRow("around everything") << QRectF(-1, -1, 200, 30) << "0,1,2,3";
-        QTest::newRow("drawn right to left") << QRectF(52, 21, -30, -22) << "1";
-        QTest::newRow("a line lies inside a flat band") << QRectF(59, 9, 22, 2) << "2";
-        QTest::newRow("half of a shape is not enough") << QRectF(-1, -1, 11, 30) << "";
-        QTest::newRow("empty band") << QRectF(500, 500, 10, 10) << "";
+        QTest::addColumn<int>("changes");
+        QTest::addColumn<int>("selections");
+        const char *four = "rect #0000aa; ellipse #00aa00 fill; line #aa0000; image #00cafc fill";
+        // clang-format off
+        QTest::newRow("delete two") << "40 +70" << "delete" << "rect #0000aa; image #00cafc fill" << "0,0 110x20" << "" << 1 << 1;
+        QTest::newRow("delete nothing") << "" << "delete" << four << "0,0 110x20" << "" << 0 << 0;
+        QTest::newRow("group in drawing order") << "100 +40" << "group" << "rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000" << "0,0 110x20" << "1" << 1 << 1;
+        QTest::newRow("a click on a member picks the group") << "100 +40" << "group pick100" << "rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000" << "0,0 110x20" << "1" << 1 << 1;
+        QTest::newRow("one shape is no group") << "40" << "group" << four << "0,0 110x20" << "1" << 0 << 0;
+        QTest::newRow("ungroup gives the members back, selected") << "100 +40" << "group all ungroup" << "rect #0000aa; ellipse #00aa00 fill; image #00cafc fill; line #aa0000" << "0,0 110x20" << "0,1,2,3" << 2 << 3;
+        QTest::newRow("recolour a group and a shape") << "0.2 +70" << "group pick100+ recolor" << "group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; image #f48244 fill" << "0,0 110x20" << "0,2" << 2 << 2;
+        QTest::newRow("move") << "40" << "move" << four << "0,-2.5 110x22.5" << "1" << 1 << 0;
+        QTest::newRow("move by nothing") << "40" << "move0" << four << "0,0 110x20" << "1" << 0 << 0;
+        QTest::newRow("select all, clear twice") << "40" << "all clear clear" << four << "0,0 110x20" << "" << 0 << 2;
+        QTest::newRow("imported shapes are selected") << "40" << "add" << QString(four) + "; rect #111111; rect #222222" << "0,0 110x20" << "4,5" << 1 << 1;
+        QTest::newRow("drawn shapes are not") << "40" << "draw" << QString(four) + "; rect #111111; rect #222222" << "0,0 110x20" << "" << 1 << 1;
+        // clang-format on
     }
 
-    void selectInRect()
+    void edit()
     {
-        QFETCH(QRectF, band);
-        pick(100);
-        m_drawing->SelectInRect(band, false);
-        QTEST(selectionText(*m_drawing), "selected");
-    }
-
-    void signalsOnlyOnChange()
-    {
-        QSignalSpy selection(m_drawing.get(), &CDrawing::SigSelectionChanged);
-        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
-        QCOMPARE(m_drawing->DeleteSelected(), 0);
-        QVERIFY(!m_drawing->GroupSelected());
-        pick(40);
-        pick(40);
-        QCOMPARE(selection.count(), 1);
-        QVERIFY(!m_drawing->GroupSelected());
-        QCOMPARE(m_drawing->Count(), 4);
-        m_drawing->MoveSelected(QPointF());
-        m_drawing->ClearSelection();
-        m_drawing->ClearSelection();
-        QCOMPARE(selection.count(), 2);
-        m_drawing->SelectAll();
-        QCOMPARE(selection.count(), 3);
-        QCOMPARE(changed.count(), 0);
-    }
-
-    void deleteSelected()
-    {
-        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
-        pick(40);
-        pick(70, true);
-        QCOMPARE(m_drawing->DeleteSelected(), 2);
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00cafc/0"));
-        QCOMPARE(selectionText(*m_drawing), QString());
-    }
-
-    void groupAndUngroup()
-    {
-        // Picked last to first: the group still follows drawing order.
-        pick(100);
-        pick(40, true);
-        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
-        QVERIFY(m_drawing->GroupSelected());
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(items(), QStringLiteral("rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; "
-                                         "line #aa0000"));
-        QCOMPARE(shapesText(*m_drawing), QStringLiteral("0000aa/1; 00aa00/3* [00aa00/1, 00cafc/0]; aa0000/1"));
-        QCOMPARE(selectionText(*m_drawing), QStringLiteral("1"));
-        // A click on any member picks the group.
-        pick(100);
-        QCOMPARE(selectionText(*m_drawing), QStringLiteral("1"));
-
-        pick(0.2, true);
-        pick(70, true);
-        QCOMPARE(m_drawing->UngroupSelected(), 1);
-        QCOMPARE(items(), QStringLiteral("rect #0000aa; ellipse #00aa00 fill; image #00cafc fill; line #aa0000"));
-        QCOMPARE(selectionText(*m_drawing), QStringLiteral("0,1,2,3"));
-        QCOMPARE(m_drawing->UngroupSelected(), 0);
-    }
-
-    void recolorSelected()
-    {
-        pick(0.2);
-        pick(70, true);
-        m_drawing->GroupSelected();
-        pick(100, true);
-        QCOMPARE(m_drawing->RecolorSelected(0xF48244), 2);
-        QCOMPARE(items(), QStringLiteral("group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; "
-                                         "image #f48244 fill"));
-        QCOMPARE(shapesText(*m_drawing), QStringLiteral("f48244/3* [f48244/1, f48244/1]; 00aa00/1; f48244/0*"));
-    }
-
-    void moveSelected()
-    {
-        pick(40);
-        QSignalSpy changed(m_drawing.get(), &CDrawing::SigChanged);
-        m_drawing->MoveSelected(QPointF(5, -2.5));
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(BoundsText(m_drawing->ItemAt(1).Bounds()), QStringLiteral("35,-2.5 20x20"));
-        QCOMPARE(BoundsText(m_drawing->ItemAt(0).Bounds()), QStringLiteral("0,0 20x20"));
-        m_drawing->MoveSelected(QPointF());
-        QCOMPARE(changed.count(), 1);
-    }
-
-    void addItemsSelection_data()
-    {
-        QTest::addColumn<bool>("select");
-        QTest::addColumn<QString>("selected");
-        QTest::newRow("imported shapes are selected") << true << "4,5";
-        QTest::newRow("drawn shapes are not") << false << "";
-    }
-
-    void addItemsSelection()
-    {
-        QFETCH(bool, select);
-        pick(40);
-        m_drawing->AddItems({CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111), CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222)},
-                            select);
-        QTEST(selectionText(*m_drawing), "selected");
-        QCOMPARE(m_drawing->ShapeList()->GetCount(), 6);
-        QCOMPARE(m_drawing->ShapeList()->GetShape(5)->IsSelected(), select);
+        QFETCH(QString, picks);
+        QFETCH(QString, ops);
+        pick(picks);
+        QSignalSpy changed(&m_drawing, &CDrawing::SigChanged);
+        QSignalSpy selection(&m_drawing, &CDrawing::SigSelectionChanged);
+        const std::vector<CDrawItem> added{CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111),
+                                           CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222)};
+        for (const QString &op : ops.split(QLatin1Char(' '))) {
+            if (op == QLatin1String("delete"))
+                m_drawing.DeleteSelected();
+            else if (op == QLatin1String("group"))
+                m_drawing.GroupSelected();
+            else if (op == QLatin1String("ungroup"))
+                m_drawing.UngroupSelected();
+            else if (op == QLatin1String("recolor"))
+                m_drawing.RecolorSelected(0xF48244);
+            else if (op.startsWith(QLatin1String("move")))
+                m_drawing.MoveSelected(op == QLatin1String("move") ? QPointF(5, -2.5) : QPointF());
+            else if (op == QLatin1String("all"))
+                m_drawing.SelectAll();
+            else if (op == QLatin1String("clear"))
+                m_drawing.ClearSelection();
+            else if (op == QLatin1String("add") || op == QLatin1String("draw"))
+                m_drawing.AddItems(added, op == QLatin1String("add"));
+            else if (op.startsWith(QLatin1String("pick")))
+                pick(op.endsWith(QLatin1Char('+')) ? QLatin1Char('+') + op.mid(4).chopped(1) : op.mid(4));
+        }
+        QTEST(DrawItemsText(m_drawing.Items()), "items");
+        QTEST(BoundsText(m_drawing.Bounds()), "bounds");
+        QTEST(selectionText(m_drawing), "selected");
+        QTEST(int(changed.count()), "changes");
+        QTEST(int(selection.count()), "selections");
+        QStringList marked;
+        for (int i = 0; i < m_drawing.ShapeList()->GetCount(); ++i) {
+            if (m_drawing.ShapeList()->GetShape(i)->IsSelected())
+                marked.append(QString::number(i));
+        }
+        QCOMPARE(marked.join(QLatin1Char(',')), selectionText(m_drawing));
     }
 };
 
