@@ -8,12 +8,15 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPixmap>
 #include <QPointer>
 #include <QTableWidget>
+
+#include <algorithm>
 
 namespace {
 
@@ -111,8 +114,9 @@ QString editParameter(QWidget *dialog)
             QKeyEvent press(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
             QCoreApplication::sendEvent(edit, &press);
         }
-        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
-        QCoreApplication::sendEvent(edit, &enter);
+        // Leaving the field ends the edit; Return would press the default button.
+        QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
+        QCoreApplication::sendEvent(edit, &leave);
         return QString();
     }
     return Wording("%1 shows no parameter to edit.").arg(kLibraryManager);
@@ -180,7 +184,13 @@ void CDialogShooter::buildSteps(const QString &dialog)
         m_steps = {{kLibraryManager, [](QWidget *d) { return chooseLastRow(d, "comboBox_Thickness"); }},
                    {dialog, grabTop}};
     } else if (dialog == QLatin1String("DlgTps")) {
-        m_steps = {{kLibraryManager, editParameter},
+        // A craft first when the dialog shows no editor yet.
+        m_steps = {{kLibraryManager, [](QWidget *d) {
+                        const auto edits = d->findChildren<QLineEdit *>();
+                        const bool shown = std::any_of(edits.cbegin(), edits.cend(), [](QLineEdit *e) { return e->isVisible() && inEditor(e); });
+                        return shown ? QString() : chooseCraft(d, {0, 1, 2, 3});
+                    }},
+                   {kLibraryManager, editParameter},
                    {kLibraryManager, [](QWidget *d) { return pressButton(d, "pushButton_ok"); }},
                    {dialog, grabTop}};
     } else if (dialog == QLatin1String("DlgLayerParamCut")

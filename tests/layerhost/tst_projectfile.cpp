@@ -11,23 +11,18 @@ namespace {
 
 std::vector<CDrawItem> everyKind()
 {
-    QPainterPath curve(QPointF(1, 1));
+    QPainterPath curve(QPointF(1, 1)), glyph;
     curve.cubicTo(2, 5, 8, 5, 9, 1);
     curve.lineTo(5, -4);
     curve.closeSubpath();
     curve.moveTo(20, 20);
     curve.lineTo(30, 20);
     curve.setFillRule(Qt::WindingFill);
-    QPainterPath glyph;
     glyph.addRect(0, 0, 3, 7);
-    return {CDrawItem::Rect(QRectF(1, 2, 30, 40), 0x0B00FF),
-            CDrawItem::Ellipse(QRectF(-5, -5, 10, 20), 0xF48244, true),
-            CDrawItem::Line(QLineF(0, 0, 100.25, -3.5), 0xCC8B17),
-            CDrawItem(DRAW_PATH, 0x123456, curve, true),
-            CDrawItem::Image(QRectF(50, 60, 70, 80), 0x00CAFC),
-            CDrawItem(DRAW_TEXT, 0x000000, glyph, true),
-            CDrawItem::Group({CDrawItem::Group({CDrawItem::Ellipse(QRectF(0, 0, 5, 5), 0x2431BD),
-                                                CDrawItem::Line(QLineF(0, 0, 5, 5), 0xFFFFFF)}),
+    return {CDrawItem::Rect(QRectF(1, 2, 30, 40), 0x0B00FF), CDrawItem::Ellipse(QRectF(-5, -5, 10, 20), 0xF48244, true),
+            CDrawItem::Line(QLineF(0, 0, 100.25, -3.5), 0xCC8B17), CDrawItem(DRAW_PATH, 0x123456, curve, true),
+            CDrawItem::Image(QRectF(50, 60, 70, 80), 0x00CAFC), CDrawItem(DRAW_TEXT, 0x000000, glyph, true),
+            CDrawItem::Group({CDrawItem::Group({CDrawItem::Ellipse(QRectF(0, 0, 5, 5), 0x2431BD), CDrawItem::Line(QLineF(0, 0, 5, 5), 0xFFFFFF)}),
                               CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x010101)})};
 }
 
@@ -37,16 +32,13 @@ QByteArray written(const std::vector<CDrawItem> &items, const QByteArray &layers
     project.m_items = items;
     project.m_layers = layers;
     QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    return project.Write(&buffer) ? buffer.data() : QByteArray();
+    return buffer.open(QIODevice::WriteOnly) && project.Write(&buffer) ? buffer.data() : QByteArray();
 }
 
-bool readInto(const QByteArray &bytes, CProjectFile *project)
+bool readInto(QByteArray bytes, CProjectFile *project)
 {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return project->Read(&buffer);
+    QBuffer buffer(&bytes);
+    return buffer.open(QIODevice::ReadOnly) && project->Read(&buffer);
 }
 
 template<typename... T>
@@ -59,10 +51,9 @@ QByteArray stream(const T &...values)
 }
 
 // A file around any payload, with a correct checksum.
-QByteArray wrap(const QByteArray &payload, quint32 version = CProjectFile::kVersion)
+QByteArray wrap(const QByteArray &payload)
 {
-    return CProjectFile::Magic() + stream(version, quint32(payload.size()), CProjectFile::Checksum(payload))
-        + payload;
+    return CProjectFile::Magic() + stream(CProjectFile::kVersion, quint32(payload.size()), CProjectFile::Checksum(payload)) + payload;
 }
 
 // An item: kind, colour, flags and its path elements as (type, x, y).
@@ -77,15 +68,9 @@ QByteArray item(quint8 kind, quint32 color, quint8 flags, const QList<QList<doub
 
 QByteArray group(quint32 color, quint32 count) { return stream(quint8(DRAW_GROUP), color, quint8(0), count); }
 
-QByteArray payload(quint32 count, const QByteArray &items, const QByteArray &layers = "L")
-{
-    return stream(count) + items + stream(layers);
-}
+QByteArray payload(quint32 count, const QByteArray &items) { return stream(count) + items + stream(QByteArray("L")); }
 
-QByteArray withField(QByteArray bytes, int offset, quint32 value)
-{
-    return bytes.replace(CProjectFile::Magic().size() + offset, 4, stream(value));
-}
+QByteArray withField(QByteArray bytes, int offset, quint32 value) { return bytes.replace(CProjectFile::Magic().size() + offset, 4, stream(value)); }
 
 } // namespace
 
