@@ -443,8 +443,9 @@ private slots:
             action(parts[0])->trigger();
         }
         // What the plug-in is handed, and what the menu shows.
-        const QString machine = machineText(static_cast<ILayerHost *>(m_window->HostCallback())->DevicesInfo());
-        QTEST(machine, "machine");
+        const IDevicesInfo *devices = static_cast<ILayerHost *>(m_window->HostCallback())->DevicesInfo();
+        QVERIFY(devices);
+        QTEST(machineText(devices), "machine");
         QTEST(table()->horizontalHeaderItem(4)->text(), "typeHeader");
         QCOMPARE(action(QStringLiteral("action_twoLasers"))->isChecked(), m_window->TwoLasers());
         QCOMPARE(action(QStringLiteral("action_laser2Present"))->isChecked(), m_window->TwoLasers());
