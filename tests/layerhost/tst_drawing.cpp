@@ -8,6 +8,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
+
 namespace {
 
 // Left to right: an outline rectangle, a filled ellipse, a line, an image.
@@ -50,6 +52,25 @@ QString selectionText(const CDrawing &drawing)
         indexes.append(QString::number(i));
     return indexes.join(QLatin1Char(','));
 }
+
+// The same, as the plug-in's shapes carry it.
+QString markedText(const CDrawing &drawing)
+{
+    QStringList indexes;
+    for (int i = 0; i < drawing.ShapeList()->GetCount(); ++i) {
+        if (drawing.ShapeList()->GetShape(i)->IsSelected())
+            indexes.append(QString::number(i));
+    }
+    return indexes.join(QLatin1Char(','));
+}
+
+using Edit = std::function<void(CDrawing &)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Edit)
+
+namespace {
 
 } // namespace
 
@@ -114,79 +135,51 @@ private slots:
         if (!band.isNull())
             m_drawing.SelectInRect(band, false);
         QTEST(selectionText(m_drawing), "selected");
-        // The plug-in's shapes carry the same selection.
-        QStringList shapes{"0000aa/1", "00aa00/1", "aa0000/1", "00cafc/0"};
-        for (int index : m_drawing.SelectedIndexes())
-            shapes[index] += QLatin1Char('*');
-        QCOMPARE(shapesText(m_drawing), shapes.join(QStringLiteral("; ")));
+        QTEST(markedText(m_drawing), "selected");
     }
 
     void edit_data()
     {
         QTest::addColumn<QString>("picks");
-        QTest::addColumn<QString>("ops");
+        QTest::addColumn<Edit>("edit");
         QTest::addColumn<QString>("items");
         QTest::addColumn<QString>("bounds");
         QTest::addColumn<QString>("selected");
         QTest::addColumn<int>("changes");
         QTest::addColumn<int>("selections");
-        const char *four = "rect #0000aa; ellipse #00aa00 fill; line #aa0000; image #00cafc fill";
+        const QString four = QStringLiteral("rect #0000aa; ellipse #00aa00 fill; line #aa0000; image #00cafc fill");
+        const QString grouped = QStringLiteral("rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000");
+        const std::vector<CDrawItem> added{CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111), CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222)};
         // clang-format off
-        QTest::newRow("delete two") << "40 +70" << "delete" << "rect #0000aa; image #00cafc fill" << "0,0 110x20" << "" << 1 << 1;
-        QTest::newRow("delete nothing") << "" << "delete" << four << "0,0 110x20" << "" << 0 << 0;
-        QTest::newRow("group in drawing order") << "100 +40" << "group" << "rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000" << "0,0 110x20" << "1" << 1 << 1;
-        QTest::newRow("a click on a member picks the group") << "100 +40" << "group pick100" << "rect #0000aa; group #00aa00 [ellipse #00aa00 fill; image #00cafc fill]; line #aa0000" << "0,0 110x20" << "1" << 1 << 1;
-        QTest::newRow("one shape is no group") << "40" << "group" << four << "0,0 110x20" << "1" << 0 << 0;
-        QTest::newRow("ungroup gives the members back, selected") << "100 +40" << "group all ungroup" << "rect #0000aa; ellipse #00aa00 fill; image #00cafc fill; line #aa0000" << "0,0 110x20" << "0,1,2,3" << 2 << 3;
-        QTest::newRow("recolour a group and a shape") << "0.2 +70" << "group pick100+ recolor" << "group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; image #f48244 fill" << "0,0 110x20" << "0,2" << 2 << 2;
-        QTest::newRow("move") << "40" << "move" << four << "0,-2.5 110x22.5" << "1" << 1 << 0;
-        QTest::newRow("move by nothing") << "40" << "move0" << four << "0,0 110x20" << "1" << 0 << 0;
-        QTest::newRow("select all, clear twice") << "40" << "all clear clear" << four << "0,0 110x20" << "" << 0 << 2;
-        QTest::newRow("imported shapes are selected") << "40" << "add" << QString(four) + "; rect #111111; rect #222222" << "0,0 110x20" << "4,5" << 1 << 1;
-        QTest::newRow("drawn shapes are not") << "40" << "draw" << QString(four) + "; rect #111111; rect #222222" << "0,0 110x20" << "" << 1 << 1;
+        QTest::newRow("delete two") << "40 +70" << Edit([](CDrawing &d) { d.DeleteSelected(); }) << "rect #0000aa; image #00cafc fill" << "0,0 110x20" << "" << 1 << 1;
+        QTest::newRow("delete nothing") << "" << Edit([](CDrawing &d) { d.DeleteSelected(); }) << four << "0,0 110x20" << "" << 0 << 0;
+        QTest::newRow("group in drawing order") << "100 +40" << Edit([](CDrawing &d) { d.GroupSelected(); }) << grouped << "0,0 110x20" << "1" << 1 << 1;
+        QTest::newRow("a click on a member picks the group") << "100 +40" << Edit([](CDrawing &d) { d.GroupSelected(); d.SelectAt(QPointF(100, 10), 1.0, false); }) << grouped << "0,0 110x20" << "1" << 1 << 1;
+        QTest::newRow("one shape is no group") << "40" << Edit([](CDrawing &d) { d.GroupSelected(); }) << four << "0,0 110x20" << "1" << 0 << 0;
+        QTest::newRow("ungroup gives the members back, selected") << "100 +40" << Edit([](CDrawing &d) { d.GroupSelected(); d.SelectAll(); d.UngroupSelected(); }) << "rect #0000aa; ellipse #00aa00 fill; image #00cafc fill; line #aa0000" << "0,0 110x20" << "0,1,2,3" << 2 << 3;
+        QTest::newRow("recolour a group and a shape") << "0.2 +70" << Edit([](CDrawing &d) { d.GroupSelected(); d.SelectAt(QPointF(100, 10), 1.0, true); d.RecolorSelected(0xF48244); }) << "group #f48244 [rect #f48244; line #f48244]; ellipse #00aa00 fill; image #f48244 fill" << "0,0 110x20" << "0,2" << 2 << 2;
+        QTest::newRow("move") << "40" << Edit([](CDrawing &d) { d.MoveSelected(QPointF(5, -2.5)); }) << four << "0,-2.5 110x22.5" << "1" << 1 << 0;
+        QTest::newRow("move by nothing") << "40" << Edit([](CDrawing &d) { d.MoveSelected(QPointF()); }) << four << "0,0 110x20" << "1" << 0 << 0;
+        QTest::newRow("select all, clear twice") << "40" << Edit([](CDrawing &d) { d.SelectAll(); d.ClearSelection(); d.ClearSelection(); }) << four << "0,0 110x20" << "" << 0 << 2;
+        QTest::newRow("imported shapes are selected") << "40" << Edit([added](CDrawing &d) { d.AddItems(added, true); }) << four + "; rect #111111; rect #222222" << "0,0 110x20" << "4,5" << 1 << 1;
+        QTest::newRow("drawn shapes are not") << "40" << Edit([added](CDrawing &d) { d.AddItems(added, false); }) << four + "; rect #111111; rect #222222" << "0,0 110x20" << "" << 1 << 1;
         // clang-format on
     }
 
     void edit()
     {
         QFETCH(QString, picks);
-        QFETCH(QString, ops);
+        QFETCH(Edit, edit);
         pick(picks);
         QSignalSpy changed(&m_drawing, &CDrawing::SigChanged);
         QSignalSpy selection(&m_drawing, &CDrawing::SigSelectionChanged);
-        const std::vector<CDrawItem> added{CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x111111),
-                                           CDrawItem::Rect(QRectF(0, 0, 1, 1), 0x222222)};
-        for (const QString &op : ops.split(QLatin1Char(' '))) {
-            if (op == QLatin1String("delete"))
-                m_drawing.DeleteSelected();
-            else if (op == QLatin1String("group"))
-                m_drawing.GroupSelected();
-            else if (op == QLatin1String("ungroup"))
-                m_drawing.UngroupSelected();
-            else if (op == QLatin1String("recolor"))
-                m_drawing.RecolorSelected(0xF48244);
-            else if (op.startsWith(QLatin1String("move")))
-                m_drawing.MoveSelected(op == QLatin1String("move") ? QPointF(5, -2.5) : QPointF());
-            else if (op == QLatin1String("all"))
-                m_drawing.SelectAll();
-            else if (op == QLatin1String("clear"))
-                m_drawing.ClearSelection();
-            else if (op == QLatin1String("add") || op == QLatin1String("draw"))
-                m_drawing.AddItems(added, op == QLatin1String("add"));
-            else if (op.startsWith(QLatin1String("pick")))
-                pick(op.endsWith(QLatin1Char('+')) ? QLatin1Char('+') + op.mid(4).chopped(1) : op.mid(4));
-        }
+        edit(m_drawing);
         QTEST(DrawItemsText(m_drawing.Items()), "items");
         QTEST(BoundsText(m_drawing.Bounds()), "bounds");
         QTEST(selectionText(m_drawing), "selected");
+        QTEST(markedText(m_drawing), "selected");
         QTEST(int(changed.count()), "changes");
         QTEST(int(selection.count()), "selections");
-        QStringList marked;
-        for (int i = 0; i < m_drawing.ShapeList()->GetCount(); ++i) {
-            if (m_drawing.ShapeList()->GetShape(i)->IsSelected())
-                marked.append(QString::number(i));
-        }
-        QCOMPARE(marked.join(QLatin1Char(',')), selectionText(m_drawing));
     }
 };
 
