@@ -12,6 +12,7 @@
 #include <type_traits>
 
 // Every field of a record, by its path.
+// clang-format off
 #define LAYERTEST_LASER(X, p)                                                                      \
     X(p.POWER_MAX) X(p.POWER_MIN) X(p.FREQ) X(p.PULSE_WIDTH) X(p.JUMP_DELAY) X(p.CORNER_DELAY)     \
     X(p.ENABLE) X(p.DWELL_MODE) X(p.DWELL_ON) X(p.START_DWELL) X(p.END_DWELL)                      \
@@ -31,6 +32,7 @@
     X(SWEEP.SWEEP_DPI) X(SWEEP.SWEEP_INCLINE_LEN) X(SWEEP.SWEEP_ISRAMP) X(SWEEP.SWEEP_IS3DRELIEF)  \
     X(SWEEP.SWEEP_OFFSET_ENGRAVING) X(SWEEP.SWEEP_STEP) X(SWEEP.CARVING_NUMBER)                    \
     LAYERTEST_PEN(X, SWEEP.PEN) X(LINK.LINK_FLAG) X(LINK.LINK_MODE) X(LINK.LINK_VALUE)
+// clang-format on
 
 namespace layertest {
 

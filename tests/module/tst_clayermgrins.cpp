@@ -189,6 +189,7 @@ private slots:
 
 void tst_CLayerMgrIns::standardColors_data()
 {
+    // clang-format off
     QTest::addColumn<quint32>("number");
     QTest::addColumn<bool>("alternate");
     QTest::addColumn<quint32>("color");
@@ -204,6 +205,7 @@ void tst_CLayerMgrIns::standardColors_data()
     QTest::newRow("36") << 36u << false << 0u;
     QTest::newRow("36 alternate") << 36u << true << 0x010101u;
     QTest::newRow("huge alternate") << 0xFFFFFFFFu << true << 0x010101u;
+    // clang-format on
 }
 
 void tst_CLayerMgrIns::standardColors()
@@ -225,6 +227,7 @@ void tst_CLayerMgrIns::standardColors()
 
 void tst_CLayerMgrIns::updateLayers_data()
 {
+    // clang-format off
     // Each step is a drawing handed to UpdateLayers, or "move <from> <to>".
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<QString>("pendingOff");
@@ -233,7 +236,6 @@ void tst_CLayerMgrIns::updateLayers_data()
     QTest::addColumn<QString>("panel"); // the order the panel last refilled with
     QTest::addColumn<QStringList>("expect");
 
-    // clang-format off
     QTest::newRow("empty drawing") << QStringList{""} << "" << 0ull << "" << "" << QStringList();
     QTest::newRow("colours A B A") << QStringList{"A B A"} << "" << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
     QTest::newRow("image shape") << QStringList{"Ai"} << "" << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
@@ -327,17 +329,22 @@ void tst_CLayerMgrIns::returningColour()
     // Back with its parameters, but the vertical fill order is the user's.
     setSweepVertType(5);
     update(manager, QStringLiteral("A C B"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4", "B:SWEEP.SWEEP_VERT_TYPE=5"}), QString());
+    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4",
+                             "B:SWEEP.SWEEP_VERT_TYPE=5"}),
+             QString());
 
     // An image brings it back as a fill layer, deep engraving staying deep.
     update(manager, QStringLiteral("A C"));
     update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"}), QString());
+    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true",
+                             "B:SWEEP.SWEEP_TYPE=0"}),
+             QString());
     layerOf(manager, 'B')->WORK_TYPE = WORK_DEEP_ENGRAVE;
     layerOf(manager, 'B')->SWEEP.SWEEP_TYPE = 4;
     update(manager, QStringLiteral("A C"));
     update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"}), QString());
+    QCOMPARE(unmet(manager, {"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"}),
+             QString());
     QCOMPARE(manager.RememberedLayers().size(), size_t(1));
 }
 
@@ -386,6 +393,7 @@ void tst_CLayerMgrIns::duplicateColourAfterLoading()
 
 void tst_CLayerMgrIns::regroup_data()
 {
+    // clang-format off
     // LASER1_TYPE and LASER2_TYPE as two digits; flags F fiber first, C laser
     // check; '^' marks a reference layer given by name. Modes 0 to 3 are
     // handed to Regroup; 4 switches the laser check off and on again, 5
@@ -396,7 +404,6 @@ void tst_CLayerMgrIns::regroup_data()
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("order");
 
-    // clang-format off
     // Grouping alone: 0 Glass, 2 RF, 3 Fiber, anything else Glass.
     QTest::newRow("fiber first") << "30" << "F" << 0 << "A02 B01 C02 D01" << "B D A C";
     QTest::newRow("fiber last") << "30" << "" << 0 << "A02 B01 C02 D01" << "A C B D";
@@ -481,6 +488,7 @@ void tst_CLayerMgrIns::newLayerJoinsItsLaserGroup()
 
 void tst_CLayerMgrIns::moveLayer_data()
 {
+    // clang-format off
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
     QTest::addColumn<bool>("moved");
@@ -494,6 +502,7 @@ void tst_CLayerMgrIns::moveLayer_data()
     QTest::newRow("first to end") << 0 << 2 << true << "B C A";
     QTest::newRow("last to front") << 2 << 0 << true << "C A B";
     QTest::newRow("one down") << 1 << 2 << true << "A C B";
+    // clang-format on
 }
 
 void tst_CLayerMgrIns::moveLayer()
@@ -568,11 +577,13 @@ void tst_CLayerMgrIns::rememberedParams()
 
     CLayerMgrIns next(nullptr);
     update(next, QStringLiteral("A B C"));
-    QCOMPARE(unmet(next, {"A:CUT.CUT_SPEED=11", "B:CUT.CUT_SPEED=6", "C:CUT.CUT_SPEED=7"}), QString());
+    QCOMPARE(unmet(next, {"A:CUT.CUT_SPEED=11", "B:CUT.CUT_SPEED=6", "C:CUT.CUT_SPEED=7"}),
+             QString());
 }
 
 void tst_CLayerMgrIns::selectLayersOfShapes_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("shapes");
     QTest::addColumn<bool>("withPanel");
@@ -580,7 +591,6 @@ void tst_CLayerMgrIns::selectLayersOfShapes_data()
 
     // A group tells its first member's colour when its last member has that
     // colour; a one-member group leaves the answer of the group before.
-    // clang-format off
     QTest::newRow("selected shapes with layers") << "A B" << "A* B C* A*" << true << "A A";
     QTest::newRow("nothing selected") << "A B" << "A B" << true << "";
     QTest::newRow("group of one colour") << "G" << "G*=AA" << true << "A";
@@ -618,6 +628,7 @@ void tst_CLayerMgrIns::selectLayersOfShapes()
 
 void tst_CLayerMgrIns::runningOption_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("entryOf");
     QTest::addColumn<QString>("material");
@@ -628,6 +639,7 @@ void tst_CLayerMgrIns::runningOption_data()
     QTest::newRow("entry of another layer") << "A B" << "B" << "Acrylic" << false;
     QTest::newRow("no entry") << "A" << "" << "" << false;
     QTest::newRow("no layers") << "" << "A" << "Acrylic" << false;
+    // clang-format on
 }
 
 void tst_CLayerMgrIns::runningOption()

@@ -97,18 +97,19 @@ void tst_LayerParamFile::writeThenRead()
     ReadLayerParamFile(list, LayerParamFilePath());
     QCOMPARE(list.size(), size_t(1));
     QCOMPARE(describe(*list[0]), describe(afterTrip(written[4])));
-    QCOMPARE(QDir(env.dataFile(QString())).entryList(QDir::Files | QDir::Hidden), QStringList{"old.lpl"});
+    QCOMPARE(QDir(env.dataFile(QString())).entryList(QDir::Files | QDir::Hidden),
+             QStringList{"old.lpl"});
 }
 
 void tst_LayerParamFile::reading_data()
 {
+    // clang-format off
     QTest::addColumn<QByteArray>("ini"); // null: no file
     QTest::addColumn<int>("records");
     // "record:FIELD=value" entries the records must show.
     QTest::addColumn<QStringList>("expect");
 
     const QByteArray one("[LAYER_PARAMS]\nLAYER_COUNT=1\n[LAYER0]\n");
-    // clang-format off
     QTest::newRow("no file") << QByteArray() << 0 << QStringList();
     QTest::newRow("count 2 of three sections") << QByteArray("[LAYER_PARAMS]\nLAYER_COUNT=2\n[LAYER0]\nCOLOR=1\n[LAYER1]\nCOLOR=2\n[LAYER2]\nCOLOR=3\n")
         << 2 << QStringList{"0:COLOR=1", "1:COLOR=2"};

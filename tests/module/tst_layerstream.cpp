@@ -129,7 +129,8 @@ void putLayer(LeWriter &w, const CLayerParam &s, int v, CLayerParam &e)
 
 // A whole stream of version v; `expected` receives what a reader of its
 // first `budget` bytes gets for each layer.
-QByteArray layerStream(int v, const QList<CLayerParam> &layers, QList<CLayerParam> *expected = nullptr,
+QByteArray layerStream(int v, const QList<CLayerParam> &layers,
+                       QList<CLayerParam> *expected = nullptr,
                        qsizetype budget = std::numeric_limits<qsizetype>::max())
 {
     LeWriter w(budget);
@@ -195,11 +196,13 @@ private slots:
 
 void tst_LayerStream::readOldVersions_data()
 {
+    // clang-format off
     QTest::addColumn<int>("version");
     QTest::addColumn<int>("layers");
     // Below version 4 there is no count: always 21 layers.
     for (int v = 0; v <= 14; ++v)
         QTest::addRow("version %d", v) << v << (v < 4 ? 21 : 6);
+    // clang-format on
 }
 
 void tst_LayerStream::readOldVersions()
@@ -228,6 +231,7 @@ void tst_LayerStream::savedBytes()
 
 void tst_LayerStream::hostileInput_data()
 {
+    // clang-format off
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<int>("layers");
     QTest::addColumn<QStringList>("firstLayer");
@@ -250,6 +254,7 @@ void tst_LayerStream::hostileInput_data()
     for (const qsizetype size : QList<qsizetype>{10, 12, 8 + 36 + 10, 8 + 210, whole.size() - 2})
         QTest::addRow("cut at %d", int(size)) << whole.left(size) << 1 << cut(14, size);
     QTest::newRow("trailing junk") << whole + "junk" << 1 << cut(14, whole.size());
+    // clang-format on
 }
 
 void tst_LayerStream::hostileInput()

@@ -29,7 +29,8 @@ struct Plugin
         if (!library.load())
             return false;
         newInterface = reinterpret_cast<NewInterfaceFunc>(library.resolve("NewInterface"));
-        releaseInterface = reinterpret_cast<ReleaseInterfaceFunc>(library.resolve("ReleaseInterface"));
+        releaseInterface =
+            reinterpret_cast<ReleaseInterfaceFunc>(library.resolve("ReleaseInterface"));
         return newInterface && releaseInterface;
     }
 };
@@ -77,7 +78,8 @@ void tst_Plugin::exportsOnlyTheEntryPoints()
     for (const QString &line : out.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         const QStringList fields = line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
         const QString &name = fields.last();
-        const bool marker = name.startsWith(QLatin1Char('_')) && !name.startsWith(QStringLiteral("_Z"));
+        const bool marker =
+            name.startsWith(QLatin1Char('_')) && !name.startsWith(QStringLiteral("_Z"));
         if (fields.size() == 3 && !marker)
             defined << name;
     }

@@ -59,12 +59,12 @@ void tst_ModuleLoader::cleanup()
 
 void tst_ModuleLoader::failedLoad_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("showErrors");
     QTest::addColumn<bool>("presenter");
     QTest::addColumn<QString>("message");
 
-    // clang-format off
     QTest::newRow("no such library") << lib("loaderlib_missing") << true << true << "Load %1 failed! \n";
     QTest::newRow("no such library, quiet") << lib("loaderlib_missing") << false << true << "Load %1 failed! \n";
     QTest::newRow("no such library, bare name") << "NoSuchModule" << false << true << "Load %1 failed! \n";
@@ -90,8 +90,10 @@ void tst_ModuleLoader::failedLoad()
     // The box shows the text alone; the library's reason goes to the log.
     const QString text = message.arg(name);
     QVERIFY2(LastModuleError().startsWith(text), qPrintable(LastModuleError()));
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|")), QStringList(QStringLiteral("3|") + LastModuleError()));
-    QCOMPARE(shown(), showErrors && presenter ? QStringList(QStringLiteral("Tips|") + text) : QStringList());
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|")),
+             QStringList(QStringLiteral("3|") + LastModuleError()));
+    QCOMPARE(shown(),
+             showErrors && presenter ? QStringList(QStringLiteral("Tips|") + text) : QStringList());
 
     // Nothing of a failed load is kept: no ReleaseInterface is called.
     QVERIFY(ReleaseModule(nullptr));
@@ -104,14 +106,16 @@ void tst_ModuleLoader::errorsNotShownFromOtherThreads()
     TestEnvironment env;
     SetModuleErrorPresenter(&recordShown);
     void *result = &result;
-    QThread *thread = QThread::create([&result] { result = LoadModule(lib("loaderlib_missing"), true); });
+    QThread *thread =
+        QThread::create([&result] { result = LoadModule(lib("loaderlib_missing"), true); });
     thread->start();
     QVERIFY(thread->wait(30000));
     delete thread;
 
     QCOMPARE(result, nullptr);
     QCOMPARE(shown(), QStringList());
-    QVERIFY(LastModuleError().startsWith(QStringLiteral("Load %1 failed! \n").arg(lib("loaderlib_missing"))));
+    QVERIFY(LastModuleError().startsWith(
+        QStringLiteral("Load %1 failed! \n").arg(lib("loaderlib_missing"))));
     QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|Load ")).size(), 1);
 }
 
@@ -123,8 +127,10 @@ void tst_ModuleLoader::loadReturnsInterface()
 
     void *module = LoadModule(lib("loaderlib_full"), true, &env);
     QVERIFY(module);
-    QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag), QByteArray("loaderlib_full"));
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), QStringList(QStringLiteral("2|new loaderlib_full 1")));
+    QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag),
+             QByteArray("loaderlib_full"));
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")),
+             QStringList(QStringLiteral("2|new loaderlib_full 1")));
     QCOMPARE(LastModuleError(), QString());
     QCOMPARE(shown(), QStringList());
 
@@ -134,18 +140,19 @@ void tst_ModuleLoader::loadReturnsInterface()
     module = LoadModule(QStringLiteral("loaderlibs/loaderlib_other"), false);
     QDir::setCurrent(oldCurrent);
     QVERIFY2(module, qPrintable(LastModuleError()));
-    QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag), QByteArray("loaderlib_other"));
+    QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag),
+             QByteArray("loaderlib_other"));
 }
 
 void tst_ModuleLoader::release_data()
 {
+    // clang-format off
     // Steps: "load <library>" (a '!' in front: the load fails), "release <n>"
     // of the n-th load, "release null", "release other" (an unrelated
     // pointer), "all". The libraries log each interface made and released.
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<QStringList>("log");
 
-    // clang-format off
     QTest::newRow("release once") << QStringList{"load full", "release 0", "release 0", "all"}
         << QStringList{"new full 1", "release full 1"};
     QTest::newRow("unknown pointers") << QStringList{"load full", "release other", "release null", "all", "all"}
@@ -177,9 +184,9 @@ void tst_ModuleLoader::release()
         } else if (words[0] == QLatin1String("all")) {
             ReleaseAllModules();
         } else {
-            void *module = words[1] == QLatin1String("null") ? nullptr
-                : words[1] == QLatin1String("other")         ? &unrelated
-                                                             : loaded.at(words[1].toInt());
+            void *module = words[1] == QLatin1String("null")    ? nullptr
+                           : words[1] == QLatin1String("other") ? &unrelated
+                                                                : loaded.at(words[1].toInt());
             QVERIFY(ReleaseModule(module));
         }
     }

@@ -58,6 +58,7 @@ QString read(const QString &type, const QSettings &held, const QString &group, c
 
 void tst_Settings::read_data()
 {
+    // clang-format off
     QTest::addColumn<bool>("withFile");
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("group");
@@ -65,7 +66,6 @@ void tst_Settings::read_data()
     QTest::addColumn<QString>("fallback");
     QTest::addColumn<QString>("expected");
 
-    // clang-format off
     QTest::newRow("int") << true << "int" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "3";
     QTest::newRow("int: same key, other group") << true << "int" << "FACTORY_PARAM_MOTOR" << "KEY_RULER_UNIT" << "1" << "9";
     QTest::newRow("int: negative") << true << "int" << "APP_CFG" << "NEGATIVE" << "1" << "-7";
@@ -115,6 +115,7 @@ void tst_Settings::read()
 
 void tst_Settings::write_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QByteArray>("line"); // empty: whatever QSettings makes of it
@@ -131,6 +132,7 @@ void tst_Settings::write_data()
     QTest::newRow("section lookalike") << "string" << "[APP_CFG]" << QByteArray();
     QTest::newRow("line break") << "string" << "one\ntwo" << QByteArray();
     QTest::newRow("empty") << "string" << "" << QByteArray();
+    // clang-format on
 }
 
 void tst_Settings::write()
@@ -168,11 +170,15 @@ void tst_Settings::writeKeepsOtherKeys()
     WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 0, path);
     WriteIniDouble(QStringLiteral("NEW_GROUP"), QStringLiteral("LASER_THICKNESS"), 2.5, path);
 
-    QCOMPARE(ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"), QStringLiteral("MOTOR_SPEED_MAX_1"), 0, path), 300);
-    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("TEXT"), QString(), path), QStringLiteral("abc"));
+    QCOMPARE(ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"), QStringLiteral("MOTOR_SPEED_MAX_1"),
+                        0, path),
+             300);
+    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("TEXT"), QString(), path),
+             QStringLiteral("abc"));
     const QByteArray bytes = env.readFile(path);
     QVERIFY2(bytes.contains("[NEW_GROUP]\nLASER_THICKNESS=2.5\n"), bytes.constData());
-    QVERIFY2(bytes.contains("[APP_CFG]\nEMPTY=\nEXPONENT=1e3\nFRACTION=2.5\nKEY_RULER_UNIT=0\n"), bytes.constData());
+    QVERIFY2(bytes.contains("[APP_CFG]\nEMPTY=\nEXPONENT=1e3\nFRACTION=2.5\nKEY_RULER_UNIT=0\n"),
+             bytes.constData());
 }
 
 void tst_Settings::batch()
@@ -200,7 +206,9 @@ void tst_Settings::batch()
     QCOMPARE(env.readFile(batchPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=0\n"));
     CloseIniBatch();
     CloseIniBatch();
-    QCOMPARE(env.readFile(batchPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=2\nNAME=elsewhere\n\n[LAYER_0]\nCUT_SPEED=12.5\n"));
+    QCOMPARE(
+        env.readFile(batchPath),
+        QByteArray("[APP_CFG]\nKEY_RULER_UNIT=2\nNAME=elsewhere\n\n[LAYER_0]\nCUT_SPEED=12.5\n"));
     QCOMPARE(env.readFile(cfgPath), kSample);
     QVERIFY(!QFile::exists(otherPath));
 
@@ -247,6 +255,7 @@ void tst_Settings::everyReadOpensAfresh()
 
 void tst_Settings::userDataDir_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("theme");
     QTest::addColumn<QString>("organisation");
     QTest::addColumn<QString>("folder");
@@ -259,6 +268,7 @@ void tst_Settings::userDataDir_data()
     QTest::newRow("trailing blank") << "Quorvantix " << "" << "Tessavolia";
     QTest::newRow("longer name") << "QuorvantixPro" << "" << "Tessavolia";
     QTest::newRow("beside the organisation") << "" << "Maker" << "Maker/Tessavolia";
+    // clang-format on
 }
 
 void tst_Settings::userDataDir()
@@ -276,7 +286,8 @@ void tst_Settings::userDataDir()
 
     // The configuration location is <XDG>/<application name>; the data
     // directory is its sibling, and the host's files are in its Data/.
-    const QString expected = env.root() + QStringLiteral("/config/") + folder + QStringLiteral("/Resources");
+    const QString expected =
+        env.root() + QStringLiteral("/config/") + folder + QStringLiteral("/Resources");
     QCOMPARE(dir, expected);
     QVERIFY(QFileInfo(dir).isDir());
     QCOMPARE(cfg, expected + QStringLiteral("/Data/cfg.ini"));

@@ -20,6 +20,7 @@ private slots:
 
 void tst_Units::convert_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("function");
     QTest::addColumn<int>("mode");
     QTest::addColumn<double>("value");
@@ -28,7 +29,6 @@ void tst_Units::convert_data()
     // Modes 0 and 2 are inches, 1 and 3 millimetres, anything else millimetres
     // untouched by the speeds. Inch lengths stay unrounded, millimetres are
     // cut to two decimals, half away from zero.
-    // clang-format off
     QTest::newRow("round: exact") << "Round2" << 0 << 12.34 << 12.34;
     QTest::newRow("round: zero") << "Round2" << 0 << 0.0 << 0.0;
     QTest::newRow("round: 1.005 times 100 is 100.49999999999999") << "Round2" << 0 << 1.005 << 1.0;
@@ -92,7 +92,8 @@ void tst_Units::convert()
     const QHash<QString, Pair> functions = {
         {QStringLiteral("Round2"), {[](double v, int) { return Round2(v); }, nullptr}},
         {QStringLiteral("LengthToDisplay"), {&LengthToDisplay, &CLayerContext::LengthToDisplay}},
-        {QStringLiteral("LengthFromDisplay"), {&LengthFromDisplay, &CLayerContext::LengthFromDisplay}},
+        {QStringLiteral("LengthFromDisplay"),
+         {&LengthFromDisplay, &CLayerContext::LengthFromDisplay}},
         {QStringLiteral("SpeedToDisplay"), {&SpeedToDisplay, &CLayerContext::SpeedToDisplay}},
         {QStringLiteral("SpeedFromDisplay"), {&SpeedFromDisplay, &CLayerContext::SpeedFromDisplay}},
     };
@@ -104,12 +105,15 @@ void tst_Units::convert()
         results << (g_LayerContext.*f.second)(value);
     for (const double actual : results) {
         QVERIFY2(std::memcmp(&actual, &expected, sizeof actual) == 0,
-                 qPrintable(QStringLiteral("actual %1 expected %2").arg(actual, 0, 'g', 17).arg(expected, 0, 'g', 17)));
+                 qPrintable(QStringLiteral("actual %1 expected %2")
+                                .arg(actual, 0, 'g', 17)
+                                .arg(expected, 0, 'g', 17)));
     }
 }
 
 void tst_Units::unitLabels_data()
 {
+    // clang-format off
     QTest::addColumn<int>("mode");
     QTest::addColumn<QByteArray>("length");
     QTest::addColumn<QByteArray>("speed");
@@ -120,6 +124,7 @@ void tst_Units::unitLabels_data()
     QTest::newRow("3") << 3 << QByteArray("mm") << QByteArray("mm/min");
     QTest::newRow("4 has none") << 4 << QByteArray("") << QByteArray("");
     QTest::newRow("-1 has none") << -1 << QByteArray("") << QByteArray("");
+    // clang-format on
 }
 
 void tst_Units::unitLabels()

@@ -38,6 +38,7 @@ private slots:
 
 void tst_Widgets::messageBox_data()
 {
+    // clang-format off
     QTest::addColumn<int>("buttons");
     QTest::addColumn<QString>("language");
     // "objectName=text" of every button that got an object name, sorted:
@@ -47,7 +48,6 @@ void tst_Widgets::messageBox_data()
 
     const int yesNo = int(QMessageBox::Yes | QMessageBox::No);
     const int all = int(QMessageBox::Yes | QMessageBox::No | QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Retry);
-    // clang-format off
     QTest::newRow("ok and cancel, English") << int(QMessageBox::Ok | QMessageBox::Cancel) << "" << QStringList{"messageBox_cancelButton=Cancel", "messageBox_okButton=OK"} << 2;
     QTest::newRow("yes and no, English") << yesNo << "" << QStringList{"messageBox_noButton=No", "messageBox_yesButton=Yes"} << 2;
     QTest::newRow("yes and no, Chinese") << yesNo << "Chs" << QStringList{QStringLiteral("messageBox_noButton=否"), QStringLiteral("messageBox_yesButton=是")} << 2;
@@ -66,8 +66,9 @@ void tst_Widgets::messageBox()
     QFETCH(QStringList, named);
     QFETCH(int, buttonCount);
     TestEnvironment env;
-    QVERIFY(env.writeFile(env.resourceDir() + QStringLiteral("/Lang/Chs/test.ini"),
-                          QStringLiteral("Yes=是\nNo=否\nOK=确定\nCancel=取消\nRetry=重试\n").toUtf8()));
+    QVERIFY(env.writeFile(
+        env.resourceDir() + QStringLiteral("/Lang/Chs/test.ini"),
+        QStringLiteral("Yes=是\nNo=否\nOK=确定\nCancel=取消\nRetry=重试\n").toUtf8()));
     CTranslator::GetInstance()->SetResourceDir(env.resourceDir());
     CTranslator::GetInstance()->SetLanguage(language);
     const auto english = qScopeGuard([] {
@@ -96,6 +97,7 @@ void tst_Widgets::messageBox()
 
 void tst_Widgets::dialogPosition_data()
 {
+    // clang-format off
     QTest::addColumn<bool>("centre");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<QPoint>("position");
@@ -107,6 +109,7 @@ void tst_Widgets::dialogPosition_data()
     QTest::newRow("larger than the screen") << true << QSize(1400, 900) << QPoint(-200, -100);
     QTest::newRow("larger, odd size") << true << QSize(1401, 901) << QPoint(-200, -100);
     QTest::newRow("centring off") << false << QSize(300, 200) << QPoint(137, 95);
+    // clang-format on
 }
 
 void tst_Widgets::dialogPosition()
@@ -120,8 +123,8 @@ void tst_Widgets::dialogPosition()
     TestEnvironment env;
     BaseDialog dialog;
     // Only a close button: no help, minimise or maximise buttons.
-    const Qt::WindowFlags buttons = Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint
-        | Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint;
+    const Qt::WindowFlags buttons = Qt::WindowCloseButtonHint | Qt::WindowContextHelpButtonHint |
+                                    Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint;
     QCOMPARE(dialog.windowType(), Qt::Dialog);
     QCOMPARE(dialog.windowFlags() & buttons, Qt::WindowFlags(Qt::WindowCloseButtonHint));
     QVERIFY(dialog.CenterOnShow());
@@ -141,6 +144,7 @@ void tst_Widgets::dialogPosition()
 
 void tst_Widgets::galleryMouse_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("action");
     QTest::addColumn<int>("current");
     QTest::addColumn<int>("row");
@@ -150,7 +154,6 @@ void tst_Widgets::galleryMouse_data()
 
     // A right press is consumed: the menu refers to the row current before it,
     // and no row stays current.
-    // clang-format off
     QTest::newRow("right press on the current row") << "right" << 1 << 1 << -1 << 1 << 0;
     QTest::newRow("right press on another row") << "right" << 0 << 2 << -1 << 0 << 0;
     QTest::newRow("right press on the last row") << "right" << 3 << 3 << -1 << 3 << 0;
@@ -181,11 +184,13 @@ void tst_Widgets::galleryMouse()
     view.setCurrentIndex(model.index(current, 0));
 
     // The menu opens at the current item's top-right corner, wherever the cursor is.
-    const QPoint menuAt = view.viewport()->mapToGlobal(view.visualRect(model.index(current, 0)).topRight());
+    const QPoint menuAt =
+        view.viewport()->mapToGlobal(view.visualRect(model.index(current, 0)).topRight());
     QSignalSpy menu(&view, &CSubGalleryListView::RightMouseButtonPress);
     QSignalSpy pressSpy(&view, &QAbstractItemView::pressed);
     QSignalSpy doubleClicked(&view, &QAbstractItemView::doubleClicked);
-    QWidget *target = action == QLatin1String("right view") ? static_cast<QWidget *>(&view) : view.viewport();
+    QWidget *target =
+        action == QLatin1String("right view") ? static_cast<QWidget *>(&view) : view.viewport();
     const QPoint at = view.viewport()->mapTo(target, view.visualRect(model.index(row, 0)).center());
     if (action == QLatin1String("left"))
         QTest::mouseClick(target, Qt::LeftButton, {}, at);
@@ -205,12 +210,14 @@ void tst_Widgets::galleryMouse()
 
 void tst_Widgets::restyleFollowsProperty_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("state");
     QTest::addColumn<QColor>("color");
 
     QTest::newRow("error") << QStringLiteral("error") << QColor(200, 0, 0);
     QTest::newRow("ok") << QStringLiteral("ok") << QColor(0, 120, 0);
     QTest::newRow("no selector matches") << QStringLiteral("other") << QColor(10, 20, 30);
+    // clang-format on
 }
 
 void tst_Widgets::restyleFollowsProperty()
@@ -243,15 +250,18 @@ int main(int argc, char **argv)
     if (dir.isValid() && qEnvironmentVariable("QT_QPA_PLATFORM") == QLatin1String("offscreen")) {
         QFile file(dir.filePath(QStringLiteral("screens.json")));
         if (file.open(QIODevice::WriteOnly)) {
-            file.write(QStringLiteral("{\"windowFrameMargins\": false, \"screens\": [{\"name\": \"Primary\", "
-                                      "\"x\": %1, \"y\": %2, \"width\": %3, \"height\": %4, \"logicalDpi\": 96, \"dpr\": 1}]}")
+            file.write(QStringLiteral(
+                           "{\"windowFrameMargins\": false, \"screens\": [{\"name\": \"Primary\", "
+                           "\"x\": %1, \"y\": %2, \"width\": %3, \"height\": %4, \"logicalDpi\": "
+                           "96, \"dpr\": 1}]}")
                            .arg(kScreen.x())
                            .arg(kScreen.y())
                            .arg(kScreen.width())
                            .arg(kScreen.height())
                            .toUtf8());
             file.close();
-            qputenv("QT_QPA_PLATFORM", QFile::encodeName(QStringLiteral("offscreen:configfile=") + file.fileName()));
+            qputenv("QT_QPA_PLATFORM",
+                    QFile::encodeName(QStringLiteral("offscreen:configfile=") + file.fileName()));
         }
     }
     QApplication app(argc, argv);
