@@ -526,9 +526,11 @@ void tst_CLayerMgrIns::addLayerAndQueries()
     addLayers(manager, QStringLiteral("A B C"));
     CLayerParam *a = manager.GetLayerAt(0);
     auto duplicate = std::make_unique<CLayerParam>(a->COLOR);
+    duplicate->CUT.CUT_SPEED = 99;
     manager.AddLayer(duplicate.get()); // still ours: the manager refuses it
     QCOMPARE(order(manager), QStringLiteral("A B C"));
     QCOMPARE(layerOf(manager, 'A'), a);
+    QCOMPARE(a->CUT.CUT_SPEED, 1.0);
 
     CLayerParam *b = layerOf(manager, 'B');
     CLayerParam *c = manager.GetLayerAt(2);
