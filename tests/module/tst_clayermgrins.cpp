@@ -24,22 +24,13 @@ quint32 colorOf(QChar letter)
 {
     if (letter == QLatin1Char('R'))
         return kReservedColorA;
-    if (letter == QLatin1Char('S'))
-        return kReservedColorB;
-    return 0xA00000u | letter.unicode();
-}
-
-quint32 colorOf(char letter)
-{
-    return colorOf(QLatin1Char(letter));
+    return letter == QLatin1Char('S') ? kReservedColorB : 0xA00000u | letter.unicode();
 }
 
 QString nameOf(quint32 color)
 {
-    if (color == kReservedColorA)
-        return QStringLiteral("R");
-    if (color == kReservedColorB)
-        return QStringLiteral("S");
+    if (color == kReservedColorA || color == kReservedColorB)
+        return color == kReservedColorA ? QStringLiteral("R") : QStringLiteral("S");
     if ((color & 0xFFFF00u) == 0xA00000u)
         return QChar(char16_t(color & 0xFFu));
     return QString::number(color, 16);
@@ -134,7 +125,7 @@ void addLayers(ILayerMgr &manager, const QString &tokens)
 
 CLayerParam *layerOf(ILayerMgr &manager, char letter)
 {
-    return manager.GetLayerByColor(colorOf(letter));
+    return manager.GetLayerByColor(colorOf(QLatin1Char(letter)));
 }
 
 // The entries "A:FIELD=value" that the manager's layers do not show.
@@ -149,19 +140,19 @@ QString unmet(ILayerMgr &manager, const QStringList &expect)
     return out.join(QStringLiteral(", "));
 }
 
-// "30": LASER1_TYPE 3, LASER2_TYPE 0.
-bool setLaserTypes(const TestEnvironment &env, const QString &types)
+// Records remembered in the user's parameter file: "A:42" is colour A with
+// cutting speed 42.
+void remember(const QStringList &speeds)
 {
-    return env.writeFile(QStringLiteral("FactoryParam.ini"),
-                         QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
-                             .arg(types[0])
-                             .arg(types[1])
-                             .toUtf8());
+    LayerList remembered;
+    for (const QString &entry : speeds) {
+        remembered.push_back(std::make_unique<CLayerParam>(colorOf(entry[0])));
+        remembered.back()->CUT.CUT_SPEED = entry.mid(2).toDouble();
+    }
+    WriteLayerParamFile(remembered);
 }
 
-// As the fill editor saves it. QSettings itself, since a file rewritten
-// behind its back within the same millisecond and at the same size may be
-// served from its cache.
+// As the fill editor saves it.
 void setSweepVertType(int type)
 {
     WriteIniInt(QStringLiteral("LASER_PARAM_SWEEP"), QStringLiteral("SWEEP_VERT_TYPE"), type,
@@ -175,80 +166,115 @@ class tst_CLayerMgrIns : public QObject
     Q_OBJECT
 
 private slots:
-    void firstUpdate_data();
-    void firstUpdate();
-    void secondUpdate_data();
-    void secondUpdate();
-    void removingKeepsOrder_data();
-    void removingKeepsOrder();
+    void standardColors_data();
+    void standardColors();
+    void updateLayers_data();
+    void updateLayers();
     void returningColour();
     void pendingColourUsedOnce();
     void duplicateColourAfterLoading();
-    void runningOptionsOfRemovedColours();
     void regroup_data();
     void regroup();
     void newLayerJoinsItsLaserGroup();
-    void fullReorder_data();
-    void fullReorder();
     void moveLayer_data();
     void moveLayer();
-    void addLayer();
-    void queries();
-    void restoreLayerParams();
-    void saveRememberedParams();
+    void addLayerAndQueries();
+    void rememberedParams();
     void selectLayersOfShapes_data();
     void selectLayersOfShapes();
     void runningOption_data();
     void runningOption();
-    void panelForwarding();
-    void hostNotifications();
+    void panelAndHost();
 };
 
-void tst_CLayerMgrIns::firstUpdate_data()
+void tst_CLayerMgrIns::standardColors_data()
 {
-    QTest::addColumn<QString>("shapes");
-    QTest::addColumn<QString>("pendingOff");
-    QTest::addColumn<quint64>("result");
-    QTest::addColumn<QString>("order");
-    QTest::addColumn<QString>("panelOrder");
-    QTest::addColumn<QStringList>("expect");
-
     // clang-format off
-    QTest::newRow("empty drawing") << "" << "" << 0ull << "" << "" << QStringList();
-    QTest::newRow("colours A B A") << "A B A" << "" << 1ull << "A B" << "A B"
-        << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
-    QTest::newRow("image shape") << "Ai" << "" << 1ull << "A" << "A"
-        << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
-    QTest::newRow("image after a path of its colour") << "A Ai" << "" << 1ull << "A" << "A"
-        << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
-    QTest::newRow("new engraving goes before cutting") << "A Bi" << "" << 1ull << "B A" << "B A"
-        << QStringList{"B:WORK_TYPE=2"};
-    QTest::newRow("selected shapes") << "A B* A C C*" << "" << 1ull << "A B C" << "A B C"
-        << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
-    QTest::newRow("pending colour starts off") << "A B" << "BD" << 1ull << "A B" << "A B"
-        << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
-    // The panel refills without the reserved layers; they follow at the end.
-    QTest::newRow("reserved first stays") << "R A" << "" << 1ull << "R A" << "R A" << QStringList();
-    QTest::newRow("reserved go last") << "B S A R C" << "" << 1ull << "B A C R S" << "B A C"
-        << QStringList();
-    QTest::newRow("reserved at 0 and 1") << "R S A" << "" << 1ull << "R A S" << "R A"
-        << QStringList();
-    QTest::newRow("second reserved at 0") << "S A R" << "" << 1ull << "S A R" << "S A"
-        << QStringList();
+    QTest::addColumn<quint32>("number");
+    QTest::addColumn<bool>("alternate");
+    QTest::addColumn<quint32>("color");
+
+    QTest::newRow("first") << 1u << false << 0x0B00FFu;
+    QTest::newRow("first alternate") << 1u << true << 0x0C01FFu;
+    QTest::newRow("five steps green by two") << 5u << true << 0x01CCFDu;
+    QTest::newRow("saturated channels stay") << 7u << true << 0x84FBFFu;
+    QTest::newRow("last") << 35u << false << 0x227756u;
+    QTest::newRow("last alternate") << 35u << true << 0x237857u;
+    QTest::newRow("zero") << 0u << false << 0u;
+    QTest::newRow("zero alternate") << 0u << true << 0x010101u;
+    QTest::newRow("36") << 36u << false << 0u;
+    QTest::newRow("36 alternate") << 36u << true << 0x010101u;
+    QTest::newRow("huge alternate") << 0xFFFFFFFFu << true << 0x010101u;
     // clang-format on
 }
 
-void tst_CLayerMgrIns::firstUpdate()
+void tst_CLayerMgrIns::standardColors()
 {
-    QFETCH(QString, shapes);
+    QFETCH(quint32, number);
+    QFETCH(bool, alternate);
+    QFETCH(quint32, color);
+    TestEnvironment env;
+    CLayerMgrIns manager(nullptr);
+    QCOMPARE(manager.GetLayerColor(number, alternate), color);
+    QCOMPARE(manager.GetLayerNumber(color), number <= 35 ? number : 0u);
+    // Every colour of the table maps back; the reserved ones have no number.
+    for (quint32 n = 1; n <= 35; ++n) {
+        QCOMPARE(manager.GetLayerNumber(manager.GetLayerColor(n, false)), n);
+        QCOMPARE(manager.GetLayerNumber(manager.GetLayerColor(n, true)), n);
+    }
+    QCOMPARE(manager.GetLayerNumber(kReservedColorA) + manager.GetLayerNumber(kReservedColorB), 0u);
+}
+
+void tst_CLayerMgrIns::updateLayers_data()
+{
+    // clang-format off
+    // Each step is a drawing handed to UpdateLayers, or "move <from> <to>".
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QString>("pendingOff");
+    QTest::addColumn<quint64>("result"); // of the last step
+    QTest::addColumn<QString>("order");
+    QTest::addColumn<QString>("panel"); // the order the panel last refilled with
+    QTest::addColumn<QStringList>("expect");
+
+    QTest::newRow("empty drawing") << QStringList{""} << "" << 0ull << "" << "" << QStringList();
+    QTest::newRow("colours A B A") << QStringList{"A B A"} << "" << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
+    QTest::newRow("image shape") << QStringList{"Ai"} << "" << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("image after a path of its colour") << QStringList{"A Ai"} << "" << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
+    QTest::newRow("new engraving goes before cutting") << QStringList{"A Bi"} << "" << 1ull << "B A" << "B A" << QStringList{"B:WORK_TYPE=2"};
+    QTest::newRow("selected shapes") << QStringList{"A B* A C C*"} << "" << 1ull << "A B C" << "A B C" << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
+    QTest::newRow("pending colour starts off") << QStringList{"A B"} << "BD" << 1ull << "A B" << "A B" << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
+    // The panel refills without the reserved layers; they follow at the end.
+    QTest::newRow("reserved first stays") << QStringList{"R A"} << "" << 1ull << "R A" << "R A" << QStringList();
+    QTest::newRow("reserved go last") << QStringList{"B S A R C"} << "" << 1ull << "B A C R S" << "B A C" << QStringList();
+    QTest::newRow("reserved at 0 and 1") << QStringList{"R S A"} << "" << 1ull << "R A S" << "R A" << QStringList();
+    QTest::newRow("second reserved at 0") << QStringList{"S A R"} << "" << 1ull << "S A R" << "S A" << QStringList();
+    QTest::newRow("same drawing") << QStringList{"A B", "A B"} << "" << 0ull << "A B" << "A B" << QStringList();
+    QTest::newRow("shapes in another order") << QStringList{"A B", "B A B"} << "" << 0ull << "A B" << "A B" << QStringList();
+    QTest::newRow("selection alone is no change") << QStringList{"A B", "A* B"} << "" << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=true"};
+    QTest::newRow("selection cleared") << QStringList{"A* B", "A B"} << "" << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=false"};
+    QTest::newRow("image of an existing colour") << QStringList{"A", "Ai"} << "" << 0ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
+    QTest::newRow("new colour") << QStringList{"A", "A B"} << "" << 1ull << "A B" << "A B" << QStringList();
+    QTest::newRow("colour gone") << QStringList{"A B", "B"} << "" << 1ull << "B" << "B" << QStringList();
+    QTest::newRow("all gone") << QStringList{"A B", ""} << "" << 1ull << "" << "" << QStringList();
+    QTest::newRow("one gone, one new") << QStringList{"A B", "C B"} << "" << 1ull << "B C" << "B C" << QStringList();
+    // Removing never regroups: C, engraving, stays behind the cutting layers.
+    QTest::newRow("drop B") << QStringList{"A B Ci D E", "move 2 4", "A Ci D E"} << "" << 1ull << "A D E C" << "A D E C" << QStringList();
+    QTest::newRow("drop A and E") << QStringList{"A B Ci D E", "move 2 4", "B Ci D"} << "" << 1ull << "B D C" << "B D C" << QStringList();
+    QTest::newRow("drop C") << QStringList{"A B Ci D E", "move 2 4", "A B D E"} << "" << 1ull << "A B D E" << "A B D E" << QStringList();
+    // clang-format on
+}
+
+void tst_CLayerMgrIns::updateLayers()
+{
+    QFETCH(QStringList, steps);
     QFETCH(QString, pendingOff);
     QFETCH(quint64, result);
     QFETCH(QString, order);
-    QFETCH(QString, panelOrder);
+    QFETCH(QString, panel);
     QFETCH(QStringList, expect);
     TestEnvironment env;
-    FakePanel panel;
-    g_pLayerPanel = &panel;
+    FakePanel fake;
+    g_pLayerPanel = &fake;
     CLayerMgrIns manager(nullptr);
     QSet<quint32> off;
     for (const QChar c : pendingOff)
@@ -256,91 +282,32 @@ void tst_CLayerMgrIns::firstUpdate()
     manager.SetNonOutputColors(&off);
     QVERIFY(off.isEmpty());
 
-    QCOMPARE(update(manager, shapes), result);
+    quint64 last = 0;
+    int drawings = 0;
+    for (const QString &step : steps) {
+        const QStringList move = step.split(QLatin1Char(' '));
+        if (move.first() == QLatin1String("move")) {
+            QVERIFY(manager.MoveLayer(move[1].toInt(), move[2].toInt()));
+            continue;
+        }
+        last = ::update(manager, step);
+        ++drawings;
+    }
+    QCOMPARE(last, result);
     QCOMPARE(::order(manager), order);
-    QCOMPARE(panel.syncs, QStringList{panelOrder});
-    QVERIFY(!panel.forced);
-    QCOMPARE(unmet(manager, expect), QString());
-}
-
-void tst_CLayerMgrIns::secondUpdate_data()
-{
-    QTest::addColumn<QString>("first");
-    QTest::addColumn<QString>("second");
-    QTest::addColumn<quint64>("result");
-    QTest::addColumn<QString>("order");
-    QTest::addColumn<QStringList>("expect");
-
-    // clang-format off
-    QTest::newRow("same drawing") << "A B" << "A B" << 0ull << "A B" << QStringList();
-    QTest::newRow("shapes in another order") << "A B" << "B A B" << 0ull << "A B" << QStringList();
-    QTest::newRow("selection alone is no change") << "A B" << "A* B" << 0ull << "A B"
-        << QStringList{"A:SELECTED=true"};
-    QTest::newRow("selection cleared") << "A* B" << "A B" << 0ull << "A B"
-        << QStringList{"A:SELECTED=false"};
-    QTest::newRow("image of an existing colour") << "A" << "Ai" << 0ull << "A"
-        << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
-    QTest::newRow("new colour") << "A" << "A B" << 1ull << "A B" << QStringList();
-    QTest::newRow("colour gone") << "A B" << "B" << 1ull << "B" << QStringList();
-    QTest::newRow("all gone") << "A B" << "" << 1ull << "" << QStringList();
-    QTest::newRow("one gone, one new") << "A B" << "C B" << 1ull << "B C" << QStringList();
-    // clang-format on
-}
-
-void tst_CLayerMgrIns::secondUpdate()
-{
-    QFETCH(QString, first);
-    QFETCH(QString, second);
-    QFETCH(quint64, result);
-    QFETCH(QString, order);
-    QFETCH(QStringList, expect);
-    TestEnvironment env;
-    FakePanel panel;
-    g_pLayerPanel = &panel;
-    CLayerMgrIns manager(nullptr);
-
-    update(manager, first);
-    QCOMPARE(update(manager, second), result);
-    QCOMPARE(::order(manager), order);
-    QCOMPARE(panel.syncs.size(), 2);
+    QCOMPARE(fake.syncs.size(), drawings);
+    QCOMPARE(fake.syncs.last(), panel);
+    QVERIFY(!fake.forced);
     QCOMPARE(unmet(manager, expect), QString());
     QCOMPARE(manager.UpdateLayers(nullptr), 0u);
-    QCOMPARE(panel.syncs.size(), 2);
-}
-
-void tst_CLayerMgrIns::removingKeepsOrder_data()
-{
-    QTest::addColumn<QString>("shapes");
-    QTest::addColumn<QString>("order");
-
-    // From "A B D E C", C engraving: a regroup would move it.
-    QTest::newRow("drop B") << "A Ci D E"
-                            << "A D E C";
-    QTest::newRow("drop A and E") << "B Ci D"
-                                  << "B D C";
-    QTest::newRow("drop C") << "A B D E"
-                            << "A B D E";
-    QTest::newRow("keep only C") << "Ci"
-                                 << "C";
-}
-
-void tst_CLayerMgrIns::removingKeepsOrder()
-{
-    QFETCH(QString, shapes);
-    QFETCH(QString, order);
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    update(manager, QStringLiteral("A B Ci D E"));
-    QVERIFY(manager.MoveLayer(2, 4));
-    QCOMPARE(::order(manager), QStringLiteral("A B D E C"));
-
-    QCOMPARE(update(manager, shapes), 1u);
-    QCOMPARE(::order(manager), order);
+    QCOMPARE(fake.syncs.size(), drawings);
 }
 
 void tst_CLayerMgrIns::returningColour()
 {
     TestEnvironment env;
+    for (const char c : {'A', 'B', 'Z'})
+        g_LayerContext.SetRunningOption(colorOf(QLatin1Char(c)), CRunningOptions());
     setSweepVertType(2);
     CLayerMgrIns manager(nullptr);
     update(manager, QStringLiteral("A B C"));
@@ -352,9 +319,12 @@ void tst_CLayerMgrIns::returningColour()
     b->SWEEP.SWEEP_TYPE = 4;
     b->SWEEP.SWEEP_VERT_TYPE = 9;
     QCOMPARE(update(manager, QStringLiteral("A C")), 1u);
-    QCOMPARE(order(manager), QStringLiteral("A C"));
     QCOMPARE(manager.RememberedLayers().size(), size_t(1));
     QCOMPARE(manager.RememberedLayers()[0]->CUT.CUT_SPEED, 42.0);
+    // The running options of a colour go with its layer.
+    QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('A'))));
+    QVERIFY(!g_LayerContext.FindRunningOption(colorOf(QLatin1Char('B'))));
+    QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('Z'))));
 
     // Back with its parameters, but the vertical fill order is the user's.
     setSweepVertType(5);
@@ -382,7 +352,7 @@ void tst_CLayerMgrIns::pendingColourUsedOnce()
 {
     TestEnvironment env;
     CLayerMgrIns manager(nullptr);
-    QSet<quint32> off{colorOf('B'), colorOf('C')};
+    QSet<quint32> off{colorOf(QLatin1Char('B')), colorOf(QLatin1Char('C'))};
     manager.SetNonOutputColors(&off);
     update(manager, QStringLiteral("A B"));
     layerOf(manager, 'B')->OUTPUT = true;
@@ -391,9 +361,9 @@ void tst_CLayerMgrIns::pendingColourUsedOnce()
     QCOMPARE(unmet(manager, {"B:OUTPUT=true", "C:OUTPUT=false"}), QString());
 
     // A new set replaces the old one.
-    off = {colorOf('D')};
+    off = {colorOf(QLatin1Char('D'))};
     manager.SetNonOutputColors(&off);
-    off = {colorOf('E')};
+    off = {colorOf(QLatin1Char('E'))};
     manager.SetNonOutputColors(&off);
     update(manager, QStringLiteral("A B C D E"));
     QCOMPARE(unmet(manager, {"D:OUTPUT=true", "E:OUTPUT=false"}), QString());
@@ -421,30 +391,19 @@ void tst_CLayerMgrIns::duplicateColourAfterLoading()
     QCOMPARE(manager.GetLayerAt(0), first);
 }
 
-void tst_CLayerMgrIns::runningOptionsOfRemovedColours()
-{
-    TestEnvironment env;
-    for (const char c : {'A', 'B', 'Z'})
-        g_LayerContext.SetRunningOption(colorOf(c), CRunningOptions());
-    CLayerMgrIns manager(nullptr);
-    update(manager, QStringLiteral("A B"));
-    update(manager, QStringLiteral("A"));
-    QVERIFY(g_LayerContext.FindRunningOption(colorOf('A')));
-    QVERIFY(!g_LayerContext.FindRunningOption(colorOf('B')));
-    QVERIFY(g_LayerContext.FindRunningOption(colorOf('Z')));
-}
-
 void tst_CLayerMgrIns::regroup_data()
 {
+    // clang-format off
     // LASER1_TYPE and LASER2_TYPE as two digits; flags F fiber first, C laser
-    // check; '^' marks a reference layer given by name.
+    // check; '^' marks a reference layer given by name. Modes 0 to 3 are
+    // handed to Regroup; 4 switches the laser check off and on again, 5
+    // switches it on while it is on.
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("flags");
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("order");
 
-    // clang-format off
     // Grouping alone: 0 Glass, 2 RF, 3 Fiber, anything else Glass.
     QTest::newRow("fiber first") << "30" << "F" << 0 << "A02 B01 C02 D01" << "B D A C";
     QTest::newRow("fiber last") << "30" << "" << 0 << "A02 B01 C02 D01" << "A C B D";
@@ -468,6 +427,11 @@ void tst_CLayerMgrIns::regroup_data()
     QTest::newRow("mark ranks with scoring") << "00" << "FC" << 0 << "A0 B1 C4" << "C A B";
     QTest::newRow("unknown work type with scoring") << "00" << "FC" << 0 << "A2 B7" << "B A";
     QTest::newRow("no move without laser check") << "00" << "F" << 0 << "A0 B2 C1" << "A B C";
+    // Switching the check on sorts every group by process.
+    QTest::newRow("check on: processing order") << "00" << "FC" << 4 << "A0 B1 C2 D0 E3 F1" << "B F C E A D";
+    QTest::newRow("check on: each group apart") << "30" << "FC" << 4 << "A01 B12 C21 D11 E02" << "D C A B E";
+    QTest::newRow("check on: mark and unknown") << "00" << "FC" << 4 << "A0 B4 C9 D1" << "B C D A";
+    QTest::newRow("check already on: nothing") << "00" << "FC" << 5 << "A0 B1 C2" << "A B C";
     // clang-format on
 }
 
@@ -479,23 +443,36 @@ void tst_CLayerMgrIns::regroup()
     QFETCH(QString, layers);
     QFETCH(QString, order);
     TestEnvironment env;
-    QVERIFY(setLaserTypes(env, types));
+    QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"),
+                          QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
+                              .arg(types[0])
+                              .arg(types[1])
+                              .toUtf8()));
     CLayerMgrIns manager(nullptr);
     manager.SetFiberFirst(flags.contains(QLatin1Char('F')));
     manager.SetLaserCheck(flags.contains(QLatin1Char('C')));
     const qsizetype mark = layers.indexOf(QLatin1Char('^'));
     const quint32 reference = mark < 0 ? 0 : colorOf(layers[mark - 2]);
     addLayers(manager, layers.remove(QLatin1Char('^')));
-    QCOMPARE(::order(manager), layers.remove(QRegularExpression(QStringLiteral("\\d"))));
+    const QString added = layers.remove(QRegularExpression(QStringLiteral("\\d")));
+    QCOMPARE(::order(manager), added);
 
-    manager.Regroup(mode, reference ? manager.GetLayerByColor(reference) : nullptr);
+    if (mode == 4) {
+        manager.SetLaserCheck(false);
+        QCOMPARE(::order(manager), added);
+    }
+    if (mode >= 4)
+        manager.SetLaserCheck(true);
+    else
+        manager.Regroup(mode, reference ? manager.GetLayerByColor(reference) : nullptr);
     QCOMPARE(::order(manager), order);
 }
 
 void tst_CLayerMgrIns::newLayerJoinsItsLaserGroup()
 {
     TestEnvironment env;
-    QVERIFY(setLaserTypes(env, QStringLiteral("30")));
+    QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"),
+                          "[FACTORY_PARAM_LASER]\nLASER1_TYPE=3\nLASER2_TYPE=0\n"));
     CLayerMgrIns manager(nullptr);
     addLayers(manager, QStringLiteral("A02 C02"));
     // A new layer cuts with LASER1, the fiber source, whose group comes first.
@@ -509,49 +486,14 @@ void tst_CLayerMgrIns::newLayerJoinsItsLaserGroup()
     QCOMPARE(order(manager), QStringLiteral("A C B"));
 }
 
-void tst_CLayerMgrIns::fullReorder_data()
-{
-    QTest::addColumn<QString>("types");
-    QTest::addColumn<bool>("offFirst");
-    QTest::addColumn<QString>("layers");
-    QTest::addColumn<QString>("order");
-
-    // clang-format off
-    QTest::newRow("processing order") << "00" << true << "A0 B1 C2 D0 E3 F1" << "B F C E A D";
-    QTest::newRow("each group apart") << "30" << true << "A01 B12 C21 D11 E02" << "D C A B E";
-    QTest::newRow("mark and unknown with scoring") << "00" << true << "A0 B4 C9 D1" << "B C D A";
-    QTest::newRow("already on: nothing") << "00" << false << "A0 B1 C2" << "A B C";
-    // clang-format on
-}
-
-void tst_CLayerMgrIns::fullReorder()
-{
-    QFETCH(QString, types);
-    QFETCH(bool, offFirst);
-    QFETCH(QString, layers);
-    QFETCH(QString, order);
-    TestEnvironment env;
-    QVERIFY(setLaserTypes(env, types));
-    CLayerMgrIns manager(nullptr);
-    addLayers(manager, layers);
-    const QString before = ::order(manager);
-
-    if (offFirst) {
-        manager.SetLaserCheck(false);
-        QCOMPARE(::order(manager), before);
-    }
-    manager.SetLaserCheck(true);
-    QCOMPARE(::order(manager), order);
-}
-
 void tst_CLayerMgrIns::moveLayer_data()
 {
+    // clang-format off
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
     QTest::addColumn<bool>("moved");
     QTest::addColumn<QString>("order");
 
-    // clang-format off
     QTest::newRow("same place") << 2 << 2 << false << "A B C";
     QTest::newRow("negative from") << -1 << 0 << false << "A B C";
     QTest::newRow("negative to") << 0 << -1 << false << "A B C";
@@ -576,84 +518,55 @@ void tst_CLayerMgrIns::moveLayer()
     QCOMPARE(::order(manager), order);
 }
 
-void tst_CLayerMgrIns::addLayer()
+void tst_CLayerMgrIns::addLayerAndQueries()
 {
     TestEnvironment env;
     CLayerMgrIns manager(nullptr);
     manager.AddLayer(nullptr);
-    QCOMPARE(manager.GetLayerCount(), 0u);
-    addLayers(manager, QStringLiteral("A0 B2"));
-    const CLayerParam *a = manager.GetLayerAt(0);
-
-    auto duplicate = std::make_unique<CLayerParam>(colorOf('A'));
+    addLayers(manager, QStringLiteral("A B C"));
+    CLayerParam *a = manager.GetLayerAt(0);
+    auto duplicate = std::make_unique<CLayerParam>(a->COLOR);
     duplicate->CUT.CUT_SPEED = 99;
     manager.AddLayer(duplicate.get()); // still ours: the manager refuses it
-    QCOMPARE(order(manager), QStringLiteral("A B"));
+    QCOMPARE(order(manager), QStringLiteral("A B C"));
     QCOMPARE(layerOf(manager, 'A'), a);
     QCOMPARE(a->CUT.CUT_SPEED, 1.0);
-}
 
-void tst_CLayerMgrIns::queries()
-{
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    addLayers(manager, QStringLiteral("A B C"));
     CLayerParam *b = layerOf(manager, 'B');
     CLayerParam *c = manager.GetLayerAt(2);
-    QVERIFY(b && c);
     b->OUTPUT = false;
     c->OUTPUT = false;
-
     QCOMPARE(manager.GetLayerAt(1), b);
     QCOMPARE(manager.GetLayerAt(3), nullptr);
     QCOMPARE(manager.GetLayerAt(0xFFFFFFFFu), nullptr);
     QCOMPARE(layerOf(manager, 'Q'), nullptr);
     QCOMPARE(manager.GetLayerIndex(c), 2u);
-    CLayerParam stranger(c->COLOR);
-    QCOMPARE(manager.GetLayerIndex(&stranger), 0xFFFFFFFFu);
+    QCOMPARE(manager.GetLayerIndex(duplicate.get()), 0xFFFFFFFFu);
     QCOMPARE(manager.GetLayerIndex(nullptr), 0xFFFFFFFFu);
 
-    QList<CLayerParam *> output{&stranger};
+    // Both lists are appended to.
+    QList<CLayerParam *> output{duplicate.get()};
     QCOMPARE(manager.GetOutputLayers(output), 3u);
-    QCOMPARE(output, (QList<CLayerParam *>{&stranger, manager.GetLayerAt(0)}));
+    QCOMPARE(output, (QList<CLayerParam *>{duplicate.get(), a}));
     QList<quint32> off{7};
     QCOMPARE(manager.GetNonOutputColors(off), 3u);
     QCOMPARE(off, (QList<quint32>{7, b->COLOR, c->COLOR}));
 }
 
-void tst_CLayerMgrIns::restoreLayerParams()
+void tst_CLayerMgrIns::rememberedParams()
 {
     TestEnvironment env;
-    LayerList remembered;
-    remembered.push_back(std::make_unique<CLayerParam>(colorOf('A')));
-    remembered[0]->CUT.CUT_SPEED = 42;
-    WriteLayerParamFile(remembered);
-
-    CLayerMgrIns manager(nullptr);
-    update(manager, QStringLiteral("A B"));
-    QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=42", "B:CUT.CUT_SPEED=1"}), QString());
-    layerOf(manager, 'A')->CUT.CUT_SPEED = 5;
-    layerOf(manager, 'B')->CUT.CUT_SPEED = 6;
-    manager.RestoreLayerParams();
-    QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=42", "B:CUT.CUT_SPEED=6"}), QString());
-}
-
-void tst_CLayerMgrIns::saveRememberedParams()
-{
-    TestEnvironment env;
-    LayerList remembered;
-    for (const char c : {'A', 'C'})
-        remembered.push_back(std::make_unique<CLayerParam>(colorOf(c)));
-    remembered[0]->CUT.CUT_SPEED = 1.5;
-    remembered[1]->CUT.CUT_SPEED = 7;
-    WriteLayerParamFile(remembered);
-
+    remember({"A:1.5", "C:7"});
     {
         CLayerMgrIns manager(nullptr);
         update(manager, QStringLiteral("A B"));
-        QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=1.5"}), QString());
+        QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=1.5", "B:CUT.CUT_SPEED=1"}), QString());
+        // Restoring takes the remembered values of the colours that have them.
+        layerOf(manager, 'A')->CUT.CUT_SPEED = 5;
+        layerOf(manager, 'B')->CUT.CUT_SPEED = 6;
+        manager.RestoreLayerParams();
+        QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=1.5", "B:CUT.CUT_SPEED=6"}), QString());
         layerOf(manager, 'A')->CUT.CUT_SPEED = 11;
-        layerOf(manager, 'B')->CUT.CUT_SPEED = 12;
         manager.SaveRememberedParams();
     }
 
@@ -666,12 +579,13 @@ void tst_CLayerMgrIns::saveRememberedParams()
 
     CLayerMgrIns next(nullptr);
     update(next, QStringLiteral("A B C"));
-    QCOMPARE(unmet(next, {"A:CUT.CUT_SPEED=11", "B:CUT.CUT_SPEED=12", "C:CUT.CUT_SPEED=7"}),
+    QCOMPARE(unmet(next, {"A:CUT.CUT_SPEED=11", "B:CUT.CUT_SPEED=6", "C:CUT.CUT_SPEED=7"}),
              QString());
 }
 
 void tst_CLayerMgrIns::selectLayersOfShapes_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("shapes");
     QTest::addColumn<bool>("withPanel");
@@ -679,7 +593,6 @@ void tst_CLayerMgrIns::selectLayersOfShapes_data()
 
     // A group tells its first member's colour when its last member has that
     // colour; a one-member group leaves the answer of the group before.
-    // clang-format off
     QTest::newRow("selected shapes with layers") << "A B" << "A* B C* A*" << true << "A A";
     QTest::newRow("nothing selected") << "A B" << "A B" << true << "";
     QTest::newRow("group of one colour") << "G" << "G*=AA" << true << "A";
@@ -710,20 +623,19 @@ void tst_CLayerMgrIns::selectLayersOfShapes()
     draw(list, shapes);
 
     manager.SelectLayersOfShapes(&list);
-    QCOMPARE(panel.pending.join(QLatin1Char(' ')), told);
-    QCOMPARE(panel.selectCalls, withPanel ? 1 : 0);
     manager.SelectLayersOfShapes(nullptr);
+    QCOMPARE(panel.pending.join(QLatin1Char(' ')), told);
     QCOMPARE(panel.selectCalls, withPanel ? 1 : 0);
 }
 
 void tst_CLayerMgrIns::runningOption_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("entryOf");
     QTest::addColumn<QString>("material");
     QTest::addColumn<bool>("found");
 
-    // clang-format off
     QTest::newRow("entry of the first layer") << "A B" << "A" << "Acrylic" << true;
     QTest::newRow("utf-8 name") << "A" << "A" << QStringLiteral("Holz \u00e4\u00df") << true;
     QTest::newRow("entry of another layer") << "A B" << "B" << "Acrylic" << false;
@@ -758,35 +670,27 @@ void tst_CLayerMgrIns::runningOption()
     QCOMPARE(thickness, found ? 2.5 : 1.0);
 }
 
-void tst_CLayerMgrIns::panelForwarding()
+void tst_CLayerMgrIns::panelAndHost()
 {
     TestEnvironment env;
     FakePanel panel;
     panel.current = 0xABCDEF;
     int payload = 0;
-    CLayerMgrIns manager(nullptr);
-
+    FakeHost host;
+    CLayerMgrIns manager(&host);
     g_pLayerPanel = &panel;
     QCOMPARE(manager.GetCurrentLayerColor(), 0xABCDEFu);
     manager.SetPanelData(&payload);
-    QCOMPARE(panel.data, static_cast<void *>(&payload));
     QCOMPARE(manager.GetPanelData(), static_cast<void *>(&payload));
 
+    // Without a panel nothing is forwarded, and updates still work.
     g_pLayerPanel = nullptr;
     manager.SetPanelData(nullptr);
     QCOMPARE(panel.data, static_cast<void *>(&payload));
     QCOMPARE(manager.GetPanelData(), nullptr);
     QCOMPARE(manager.GetCurrentLayerColor(), 0u);
-    QCOMPARE(update(manager, QStringLiteral("A")), 1u);
+    QCOMPARE(update(manager, QStringLiteral("A B")), 1u);
     QVERIFY(panel.syncs.isEmpty());
-}
-
-void tst_CLayerMgrIns::hostNotifications()
-{
-    TestEnvironment env;
-    FakeHost host;
-    CLayerMgrIns manager(&host);
-    update(manager, QStringLiteral("A B"));
     QVERIFY(host.calls.isEmpty());
 
     manager.NotifyLayersChanged();
@@ -794,7 +698,6 @@ void tst_CLayerMgrIns::hostNotifications()
     manager.NotifyCurrentLayerChanged();
     QCOMPARE(host.calls, QStringList({"changed", "event 3", "refresh", "current"}));
 
-    FakePanel panel;
     g_pLayerPanel = &panel;
     manager.AttachPanel(nullptr);
     QCOMPARE(g_pLayerPanel, nullptr);

@@ -12,45 +12,30 @@ class tst_ModuleLoader : public QObject
 
 private slots:
     void cleanup();
-
     void failedLoad_data();
     void failedLoad();
-    void errorsShownOnlyWhenAsked_data();
-    void errorsShownOnlyWhenAsked();
     void errorsNotShownFromOtherThreads();
-    void errorWithoutPresenter();
     void loadReturnsInterface();
-    void relativeNameFoundBesideApplication();
-    void successClearsLastError();
-    void releaseOnce();
-    void releaseUnknownPointer();
-    void releaseAllLastLoadedFirst();
-    void sameLibraryLoadedTwice();
-    void failedSecondLoadKeepsFirst();
+    void release_data();
+    void release();
 };
 
 namespace {
 
-struct Shown
+QStringList &shown()
 {
-    QString title;
-    QString text;
-};
-
-QList<Shown> &shown()
-{
-    static QList<Shown> list;
+    static QStringList list;
     return list;
 }
 
 void recordShown(const QString &title, const QString &text)
 {
-    shown().append({title, text});
+    shown() << title + QLatin1Char('|') + text;
 }
 
-QString lib(const char *name)
+QString lib(const QString &name)
 {
-    return QStringLiteral(LOADERLIBS_DIR "/") + QLatin1String(name);
+    return QStringLiteral(LOADERLIBS_DIR "/") + name;
 }
 
 QStringList linesStartingWith(const QStringList &lines, const QString &prefix)
@@ -58,7 +43,7 @@ QStringList linesStartingWith(const QStringList &lines, const QString &prefix)
     QStringList found;
     for (const QString &line : lines) {
         if (line.startsWith(prefix))
-            found.append(line);
+            found << line;
     }
     return found;
 }
@@ -74,74 +59,46 @@ void tst_ModuleLoader::cleanup()
 
 void tst_ModuleLoader::failedLoad_data()
 {
+    // clang-format off
     QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("showErrors");
+    QTest::addColumn<bool>("presenter");
     QTest::addColumn<QString>("message");
-    QTest::addColumn<QStringList>("entryLog");
 
-    QTest::newRow("no such library") << lib("loaderlib_missing") << "Load %1 failed! \n" << QStringList();
-    QTest::newRow("no such library, bare name") << "NoSuchModule" << "Load %1 failed! \n" << QStringList();
-    QTest::newRow("no NewInterface") << lib("loaderlib_nonew") << "Load %1 faile2! \n" << QStringList();
+    QTest::newRow("no such library") << lib("loaderlib_missing") << true << true << "Load %1 failed! \n";
+    QTest::newRow("no such library, quiet") << lib("loaderlib_missing") << false << true << "Load %1 failed! \n";
+    QTest::newRow("no such library, bare name") << "NoSuchModule" << false << true << "Load %1 failed! \n";
+    QTest::newRow("no NewInterface") << lib("loaderlib_nonew") << true << true << "Load %1 faile2! \n";
+    QTest::newRow("no NewInterface, no presenter") << lib("loaderlib_nonew") << true << false << "Load %1 faile2! \n";
     // Without a way back, the factory is not even asked.
-    QTest::newRow("no ReleaseInterface") << lib("loaderlib_norelease") << "Load %1 faile3! \n"
-                                         << QStringList();
-    QTest::newRow("factory returns null") << lib("loaderlib_nullinterface") << "Load %1 faile3! \n"
-                                          << QStringList();
+    QTest::newRow("no ReleaseInterface") << lib("loaderlib_norelease") << false << true << "Load %1 faile3! \n";
+    QTest::newRow("factory returns null") << lib("loaderlib_nullinterface") << true << true << "Load %1 faile3! \n";
+    // clang-format on
 }
 
 void tst_ModuleLoader::failedLoad()
 {
     QFETCH(QString, name);
+    QFETCH(bool, showErrors);
+    QFETCH(bool, presenter);
     QFETCH(QString, message);
-    QFETCH(QStringList, entryLog);
     TestEnvironment env;
+    SetModuleErrorPresenter(presenter ? &recordShown : nullptr);
 
-    QCOMPARE(LoadModule(name, false), nullptr);
+    QCOMPARE(LoadModule(name, showErrors), nullptr);
 
+    // The box shows the text alone; the library's reason goes to the log.
     const QString text = message.arg(name);
     QVERIFY2(LastModuleError().startsWith(text), qPrintable(LastModuleError()));
-    const QStringList faults = linesStartingWith(env.logLines(), QStringLiteral("3|"));
-    QCOMPARE(faults, QStringList(QStringLiteral("3|") + LastModuleError()));
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), entryLog);
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|")),
+             QStringList(QStringLiteral("3|") + LastModuleError()));
+    QCOMPARE(shown(),
+             showErrors && presenter ? QStringList(QStringLiteral("Tips|") + text) : QStringList());
 
-    // Nothing of a failed load is kept: releasing null or everything calls no
-    // ReleaseInterface.
+    // Nothing of a failed load is kept: no ReleaseInterface is called.
     QVERIFY(ReleaseModule(nullptr));
     ReleaseAllModules();
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|release")), QStringList());
-}
-
-void tst_ModuleLoader::errorsShownOnlyWhenAsked_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("showErrors");
-    QTest::addColumn<QString>("message");
-
-    QTest::newRow("failed, shown") << lib("loaderlib_missing") << true << "Load %1 failed! \n";
-    QTest::newRow("faile2, shown") << lib("loaderlib_nonew") << true << "Load %1 faile2! \n";
-    QTest::newRow("faile3, shown") << lib("loaderlib_nullinterface") << true << "Load %1 faile3! \n";
-    QTest::newRow("failed, quiet") << lib("loaderlib_missing") << false << QString();
-    QTest::newRow("faile3, quiet") << lib("loaderlib_norelease") << false << QString();
-    QTest::newRow("success, nothing to show") << lib("loaderlib_full") << true << QString();
-}
-
-void tst_ModuleLoader::errorsShownOnlyWhenAsked()
-{
-    QFETCH(QString, name);
-    QFETCH(bool, showErrors);
-    QFETCH(QString, message);
-    TestEnvironment env;
-    SetModuleErrorPresenter(&recordShown);
-
-    LoadModule(name, showErrors);
-
-    if (message.isEmpty()) {
-        QCOMPARE(shown().size(), 0);
-        return;
-    }
-    QCOMPARE(shown().size(), 1);
-    QCOMPARE(shown().first().title, QStringLiteral("Tips"));
-    // The box shows the text alone; the library's reason goes to the log.
-    QCOMPARE(shown().first().text, message.arg(name));
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), QStringList());
 }
 
 void tst_ModuleLoader::errorsNotShownFromOtherThreads()
@@ -149,23 +106,16 @@ void tst_ModuleLoader::errorsNotShownFromOtherThreads()
     TestEnvironment env;
     SetModuleErrorPresenter(&recordShown);
     void *result = &result;
-    QThread *thread = QThread::create([&result] {
-        result = LoadModule(lib("loaderlib_missing"), true);
-    });
+    QThread *thread =
+        QThread::create([&result] { result = LoadModule(lib("loaderlib_missing"), true); });
     thread->start();
     QVERIFY(thread->wait(30000));
     delete thread;
 
     QCOMPARE(result, nullptr);
-    QCOMPARE(shown().size(), 0);
-    QVERIFY(LastModuleError().startsWith(QStringLiteral("Load %1 failed! \n").arg(lib("loaderlib_missing"))));
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|Load ")).size(), 1);
-}
-
-void tst_ModuleLoader::errorWithoutPresenter()
-{
-    TestEnvironment env;
-    QCOMPARE(LoadModule(lib("loaderlib_nonew"), true), nullptr);
+    QCOMPARE(shown(), QStringList());
+    QVERIFY(LastModuleError().startsWith(
+        QStringLiteral("Load %1 failed! \n").arg(lib("loaderlib_missing"))));
     QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|Load ")).size(), 1);
 }
 
@@ -173,120 +123,79 @@ void tst_ModuleLoader::loadReturnsInterface()
 {
     TestEnvironment env;
     SetModuleErrorPresenter(&recordShown);
+    QCOMPARE(LoadModule(lib("loaderlib_missing"), false), nullptr);
 
     void *module = LoadModule(lib("loaderlib_full"), true, &env);
     QVERIFY(module);
-    const auto *made = static_cast<const LoaderTestInterface *>(module);
-    QCOMPARE(QByteArray(made->tag), QByteArray("loaderlib_full"));
-    QCOMPARE(made->serial, 1);
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|new loaderlib_full 1")));
+    QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag),
+             QByteArray("loaderlib_full"));
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")),
+             QStringList(QStringLiteral("2|new loaderlib_full 1")));
     QCOMPARE(LastModuleError(), QString());
-    QCOMPARE(shown().size(), 0);
-}
+    QCOMPARE(shown(), QStringList());
 
-void tst_ModuleLoader::relativeNameFoundBesideApplication()
-{
-    TestEnvironment env;
-    // The working directory is not the test's folder; the loader looks
-    // beside the application.
+    // A bare name is looked for beside the application, not in the working directory.
     const QString oldCurrent = QDir::currentPath();
     QVERIFY(QDir::setCurrent(env.root()));
-    void *module = LoadModule(QStringLiteral("loaderlibs/loaderlib_other"), false);
+    module = LoadModule(QStringLiteral("loaderlibs/loaderlib_other"), false);
     QDir::setCurrent(oldCurrent);
     QVERIFY2(module, qPrintable(LastModuleError()));
     QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(module)->tag),
              QByteArray("loaderlib_other"));
 }
 
-void tst_ModuleLoader::successClearsLastError()
+void tst_ModuleLoader::release_data()
 {
-    TestEnvironment env;
-    QCOMPARE(LoadModule(lib("loaderlib_missing"), false), nullptr);
-    QVERIFY(!LastModuleError().isEmpty());
-    QVERIFY(LoadModule(lib("loaderlib_full"), false));
-    QCOMPARE(LastModuleError(), QString());
-}
+    // clang-format off
+    // Steps: "load <library>" (a '!' in front: the load fails), "release <n>"
+    // of the n-th load, "release null", "release other" (an unrelated
+    // pointer), "all". The libraries log each interface made and released.
+    QTest::addColumn<QStringList>("steps");
+    QTest::addColumn<QStringList>("log");
 
-void tst_ModuleLoader::releaseOnce()
-{
-    TestEnvironment env;
-    void *module = LoadModule(lib("loaderlib_full"), false);
-    QVERIFY(module);
-    env.clearLog();
-
-    QVERIFY(ReleaseModule(module));
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|release loaderlib_full 1")));
-    QVERIFY(ReleaseModule(module));
-    ReleaseAllModules();
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|release loaderlib_full 1")));
-}
-
-void tst_ModuleLoader::releaseUnknownPointer()
-{
-    TestEnvironment env;
-    QVERIFY(LoadModule(lib("loaderlib_full"), false));
-    int unrelated = 0;
-    env.clearLog();
-
-    QVERIFY(ReleaseModule(&unrelated));
-    QVERIFY(ReleaseModule(nullptr));
-    QCOMPARE(env.logLines(), QStringList());
-    ReleaseAllModules();
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|release loaderlib_full 1")));
-}
-
-void tst_ModuleLoader::releaseAllLastLoadedFirst()
-{
-    TestEnvironment env;
-    void *first = LoadModule(lib("loaderlib_full"), false);
-    QVERIFY(LoadModule(lib("loaderlib_other"), false));
-    QVERIFY(LoadModule(lib("loaderlib_nullinterface"), false) == nullptr);
-    QVERIFY(LoadModule(lib("loaderlib_full"), false));
-    QVERIFY(LoadModule(lib("loaderlib_other"), false));
+    QTest::newRow("release once") << QStringList{"load full", "release 0", "release 0", "all"}
+        << QStringList{"new full 1", "release full 1"};
+    QTest::newRow("unknown pointers") << QStringList{"load full", "release other", "release null", "all", "all"}
+        << QStringList{"new full 1", "release full 1"};
     // Releasing one from the middle leaves the order of the rest.
-    QVERIFY(ReleaseModule(first));
-    env.clearLog();
-
-    ReleaseAllModules();
-    QCOMPARE(env.logLines(), QStringList({QStringLiteral("2|release loaderlib_other 2"),
-                                          QStringLiteral("2|release loaderlib_full 2"),
-                                          QStringLiteral("2|release loaderlib_other 1")}));
-    ReleaseAllModules();
-    QCOMPARE(env.logLines().size(), 3);
+    QTest::newRow("all, last loaded first") << QStringList{"load full", "load other", "!load nullinterface", "load full", "load other", "release 0", "all", "all"}
+        << QStringList{"new full 1", "new other 1", "new full 2", "new other 2", "release full 1", "release other 2", "release full 2", "release other 1"};
+    // The panel and the library manager each load the same sibling plug-in;
+    // the library stays until no one holds it, then a new load starts afresh.
+    QTest::newRow("same library twice") << QStringList{"load full", "load full", "release 1", "release 0", "load full"}
+        << QStringList{"new full 1", "new full 2", "release full 2", "release full 1", "new full 1"};
+    QTest::newRow("failed second load keeps the first") << QStringList{"load flaky", "!load flaky", "release 0"}
+        << QStringList{"new flaky 1", "release flaky 1"};
+    // clang-format on
 }
 
-void tst_ModuleLoader::sameLibraryLoadedTwice()
+void tst_ModuleLoader::release()
 {
-    // The panel and the library manager each load the same sibling plug-in.
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, log);
     TestEnvironment env;
-    void *panelCopy = LoadModule(lib("loaderlib_full"), false);
-    void *dialogCopy = LoadModule(lib("loaderlib_full"), false);
-    QVERIFY(panelCopy && dialogCopy && panelCopy != dialogCopy);
-    env.clearLog();
-
-    QVERIFY(ReleaseModule(dialogCopy));
-    // The library must still be there for the other interface to go back.
-    QVERIFY(ReleaseModule(panelCopy));
-    QCOMPARE(env.logLines(), QStringList({QStringLiteral("2|release loaderlib_full 2"),
-                                          QStringLiteral("2|release loaderlib_full 1")}));
-
-    // Once no one holds it the library is gone: a new load starts afresh.
-    env.clearLog();
-    QVERIFY(LoadModule(lib("loaderlib_full"), false));
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|new loaderlib_full 1")));
-}
-
-void tst_ModuleLoader::failedSecondLoadKeepsFirst()
-{
-    TestEnvironment env;
-    void *first = LoadModule(lib("loaderlib_flaky"), false);
-    QVERIFY(first);
-    QCOMPARE(LoadModule(lib("loaderlib_flaky"), false), nullptr);
-    QVERIFY(LastModuleError().startsWith(QStringLiteral("Load %1 faile3! \n").arg(lib("loaderlib_flaky"))));
-    env.clearLog();
-
-    QVERIFY(ReleaseModule(first));
-    QCOMPARE(env.logLines(), QStringList(QStringLiteral("2|release loaderlib_flaky 1")));
+    QList<void *> loaded;
+    int unrelated = 0;
+    for (const QString &step : steps) {
+        const QStringList words = step.split(QLatin1Char(' '));
+        if (words[0].endsWith(QLatin1String("load"))) {
+            loaded << LoadModule(lib(QStringLiteral("loaderlib_") + words[1]), false);
+            QCOMPARE(loaded.last() == nullptr, words[0].startsWith(QLatin1Char('!')));
+        } else if (words[0] == QLatin1String("all")) {
+            ReleaseAllModules();
+        } else {
+            void *module = words[1] == QLatin1String("null")    ? nullptr
+                           : words[1] == QLatin1String("other") ? &unrelated
+                                                                : loaded.at(words[1].toInt());
+            QVERIFY(ReleaseModule(module));
+        }
+    }
+    QStringList expected;
+    for (const QString &line : log) {
+        const QStringList words = line.split(QLatin1Char(' '));
+        expected << QStringLiteral("2|%1 loaderlib_%2 %3").arg(words[0], words[1], words[2]);
+    }
+    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ModuleLoader)

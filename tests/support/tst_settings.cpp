@@ -1,8 +1,12 @@
+#include "support/directories.h"
 #include "support/settings.h"
 #include "testenvironment.h"
 
+#include "cuipermissionsmanager.h"
+
+#include <QCoreApplication>
+#include <QDir>
 #include <QFile>
-#include <QHash>
 #include <QSettings>
 #include <QTest>
 
@@ -11,170 +15,135 @@ class tst_Settings : public QObject
     Q_OBJECT
 
 private slots:
-    void readInt_data();
-    void readInt();
-    void readDouble_data();
-    void readDouble();
-    void readString_data();
-    void readString();
-    void writeLandsAsIniLine_data();
-    void writeLandsAsIniLine();
-    void writeThenReadBack_data();
-    void writeThenReadBack();
+    void read_data();
+    void read();
+    void write_data();
+    void write();
     void writeKeepsOtherKeys();
-    void batchTakesEveryWrite();
-    void secondBatchRedirects();
-    void closeWithoutBatchIsHarmless();
-    void readsIgnoreTheBatch();
+    void batch();
     void everyReadOpensAfresh();
-    void dataFilePaths_data();
-    void dataFilePaths();
+    void userDataDir_data();
+    void userDataDir();
+    void userDataDirCreatedWhenMissing();
+    void resourceDir();
 };
 
 namespace {
 
-const QByteArray kSample = "[APP_CFG]\n"
-                           "KEY_RULER_UNIT=3\n"
-                           "NEGATIVE=-7\n"
-                           "TEXT=abc\n"
-                           "MIXED=12abc\n"
-                           "FRACTION=2.5\n"
-                           "EXPONENT=1e3\n"
-                           "EMPTY=\n"
-                           "[FACTORY_PARAM_MOTOR]\n"
-                           "MOTOR_SPEED_MAX_1=300\n"
-                           "KEY_RULER_UNIT=9\n";
+const QByteArray kSample = "[APP_CFG]\nKEY_RULER_UNIT=3\nNEGATIVE=-7\nTEXT=abc\nMIXED=12abc\n"
+                           "FRACTION=2.5\nEXPONENT=1e3\nEMPTY=\n"
+                           "[FACTORY_PARAM_MOTOR]\nMOTOR_SPEED_MAX_1=300\nKEY_RULER_UNIT=9\n";
 
-// Writes kSample (or nothing) and returns the path the reads are given.
-QString prepare(const TestEnvironment &env, bool withFile)
+QString read(const QString &type, const QString &group, const QString &key, const QString &fallback,
+             const QString &path)
 {
-    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
-    if (withFile)
-        env.writeFile(path, kSample);
-    return path;
+    if (type == QLatin1String("int"))
+        return QString::number(ReadIniInt(group, key, fallback.toInt(), path));
+    if (type == QLatin1String("double"))
+        return QString::number(ReadIniDouble(group, key, fallback.toDouble(), path));
+    return ReadIniString(group, key, fallback, path);
+}
+
+QString read(const QString &type, const QSettings &held, const QString &group, const QString &key,
+             const QString &fallback)
+{
+    if (type == QLatin1String("int"))
+        return QString::number(ReadIniInt(held, group, key, fallback.toInt()));
+    if (type == QLatin1String("double"))
+        return QString::number(ReadIniDouble(held, group, key, fallback.toDouble()));
+    return ReadIniString(held, group, key, fallback);
 }
 
 } // namespace
 
-void tst_Settings::readInt_data()
+void tst_Settings::read_data()
 {
+    // clang-format off
     QTest::addColumn<bool>("withFile");
+    QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("group");
     QTest::addColumn<QString>("key");
-    QTest::addColumn<int>("defaultValue");
-    QTest::addColumn<int>("expected");
+    QTest::addColumn<QString>("fallback");
+    QTest::addColumn<QString>("expected");
 
-    QTest::newRow("present") << true << "APP_CFG" << "KEY_RULER_UNIT" << 1 << 3;
-    QTest::newRow("same key, other group") << true << "FACTORY_PARAM_MOTOR" << "KEY_RULER_UNIT" << 1 << 9;
-    QTest::newRow("negative") << true << "APP_CFG" << "NEGATIVE" << 1 << -7;
-    QTest::newRow("missing key gives default") << true << "APP_CFG" << "NOPE" << 42 << 42;
-    QTest::newRow("missing group gives default") << true << "NOPE" << "KEY_RULER_UNIT" << 42 << 42;
-    QTest::newRow("missing file gives default") << false << "APP_CFG" << "KEY_RULER_UNIT" << 1 << 1;
-    QTest::newRow("group is case sensitive") << true << "app_cfg" << "KEY_RULER_UNIT" << 5 << 5;
-    QTest::newRow("garbage text") << true << "APP_CFG" << "TEXT" << 42 << 0;
-    QTest::newRow("garbage digits then text") << true << "APP_CFG" << "MIXED" << 42 << 0;
-    QTest::newRow("garbage fraction") << true << "APP_CFG" << "FRACTION" << 42 << 0;
-    QTest::newRow("garbage empty value") << true << "APP_CFG" << "EMPTY" << 42 << 0;
+    QTest::newRow("int") << true << "int" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "3";
+    QTest::newRow("int: same key, other group") << true << "int" << "FACTORY_PARAM_MOTOR" << "KEY_RULER_UNIT" << "1" << "9";
+    QTest::newRow("int: negative") << true << "int" << "APP_CFG" << "NEGATIVE" << "1" << "-7";
+    QTest::newRow("int: missing key gives default") << true << "int" << "APP_CFG" << "NOPE" << "42" << "42";
+    QTest::newRow("int: missing group gives default") << true << "int" << "NOPE" << "KEY_RULER_UNIT" << "42" << "42";
+    QTest::newRow("int: missing file gives default") << false << "int" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "1";
+    QTest::newRow("int: group is case sensitive") << true << "int" << "app_cfg" << "KEY_RULER_UNIT" << "5" << "5";
+    QTest::newRow("int: garbage text") << true << "int" << "APP_CFG" << "TEXT" << "42" << "0";
+    QTest::newRow("int: garbage digits then text") << true << "int" << "APP_CFG" << "MIXED" << "42" << "0";
+    QTest::newRow("int: garbage fraction") << true << "int" << "APP_CFG" << "FRACTION" << "42" << "0";
+    QTest::newRow("int: garbage empty value") << true << "int" << "APP_CFG" << "EMPTY" << "42" << "0";
+    QTest::newRow("double: integer text") << true << "double" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "3";
+    QTest::newRow("double: fraction") << true << "double" << "APP_CFG" << "FRACTION" << "1" << "2.5";
+    QTest::newRow("double: exponent") << true << "double" << "APP_CFG" << "EXPONENT" << "1" << "1000";
+    QTest::newRow("double: missing key gives default") << true << "double" << "APP_CFG" << "NOPE" << "1000" << "1000";
+    QTest::newRow("double: missing file gives default") << false << "double" << "APP_CFG" << "FRACTION" << "0.25" << "0.25";
+    QTest::newRow("double: garbage text") << true << "double" << "APP_CFG" << "TEXT" << "7.5" << "0";
+    QTest::newRow("double: garbage digits then text") << true << "double" << "APP_CFG" << "MIXED" << "7.5" << "0";
+    QTest::newRow("double: garbage empty value") << true << "double" << "APP_CFG" << "EMPTY" << "7.5" << "0";
+    QTest::newRow("text") << true << "string" << "APP_CFG" << "TEXT" << "x" << "abc";
+    QTest::newRow("text: number as text") << true << "string" << "APP_CFG" << "NEGATIVE" << "x" << "-7";
+    QTest::newRow("text: empty value is not missing") << true << "string" << "APP_CFG" << "EMPTY" << "x" << "";
+    QTest::newRow("text: missing key gives default") << true << "string" << "APP_CFG" << "NOPE" << "fallback" << "fallback";
+    QTest::newRow("text: missing file gives default") << false << "string" << "APP_CFG" << "TEXT" << "fallback" << "fallback";
+    // clang-format on
 }
 
-void tst_Settings::readInt()
+void tst_Settings::read()
 {
     QFETCH(bool, withFile);
+    QFETCH(QString, type);
     QFETCH(QString, group);
     QFETCH(QString, key);
-    QFETCH(int, defaultValue);
-    QFETCH(int, expected);
+    QFETCH(QString, fallback);
+    QFETCH(QString, expected);
     TestEnvironment env;
-    const QString path = prepare(env, withFile);
+    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
+    if (withFile)
+        env.writeFile(path, kSample);
 
-    QCOMPARE(ReadIniInt(group, key, defaultValue, path), expected);
+    QCOMPARE(::read(type, group, key, fallback, path), expected);
     const QSettings held(path, QSettings::IniFormat);
-    QCOMPARE(ReadIniInt(held, group, key, defaultValue), expected);
+    QCOMPARE(::read(type, held, group, key, fallback), expected);
     // A read never creates the file.
     QCOMPARE(QFile::exists(path), withFile);
 }
 
-void tst_Settings::readDouble_data()
+void tst_Settings::write_data()
 {
-    QTest::addColumn<bool>("withFile");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<double>("defaultValue");
-    QTest::addColumn<double>("expected");
-
-    QTest::newRow("integer text") << true << "KEY_RULER_UNIT" << 1.0 << 3.0;
-    QTest::newRow("fraction") << true << "FRACTION" << 1.0 << 2.5;
-    QTest::newRow("exponent") << true << "EXPONENT" << 1.0 << 1000.0;
-    QTest::newRow("missing key gives default") << true << "NOPE" << 1000.0 << 1000.0;
-    QTest::newRow("missing file gives default") << false << "FRACTION" << 0.25 << 0.25;
-    QTest::newRow("garbage text") << true << "TEXT" << 7.5 << 0.0;
-    QTest::newRow("garbage digits then text") << true << "MIXED" << 7.5 << 0.0;
-    QTest::newRow("garbage empty value") << true << "EMPTY" << 7.5 << 0.0;
-}
-
-void tst_Settings::readDouble()
-{
-    QFETCH(bool, withFile);
-    QFETCH(QString, key);
-    QFETCH(double, defaultValue);
-    QFETCH(double, expected);
-    TestEnvironment env;
-    const QString path = prepare(env, withFile);
-
-    QCOMPARE(ReadIniDouble(QStringLiteral("APP_CFG"), key, defaultValue, path), expected);
-    const QSettings held(path, QSettings::IniFormat);
-    QCOMPARE(ReadIniDouble(held, QStringLiteral("APP_CFG"), key, defaultValue), expected);
-}
-
-void tst_Settings::readString_data()
-{
-    QTest::addColumn<bool>("withFile");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("defaultValue");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("text") << true << "TEXT" << "x" << "abc";
-    QTest::newRow("number as text") << true << "NEGATIVE" << "x" << "-7";
-    QTest::newRow("empty value is not missing") << true << "EMPTY" << "x" << "";
-    QTest::newRow("missing key gives default") << true << "NOPE" << "fallback" << "fallback";
-    QTest::newRow("missing file gives default") << false << "TEXT" << "fallback" << "fallback";
-}
-
-void tst_Settings::readString()
-{
-    QFETCH(bool, withFile);
-    QFETCH(QString, key);
-    QFETCH(QString, defaultValue);
-    QFETCH(QString, expected);
-    TestEnvironment env;
-    const QString path = prepare(env, withFile);
-
-    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), key, defaultValue, path), expected);
-    const QSettings held(path, QSettings::IniFormat);
-    QCOMPARE(ReadIniString(held, QStringLiteral("APP_CFG"), key, defaultValue), expected);
-}
-
-void tst_Settings::writeLandsAsIniLine_data()
-{
+    // clang-format off
     QTest::addColumn<QString>("type");
     QTest::addColumn<QString>("value");
-    QTest::addColumn<QByteArray>("expected");
+    QTest::addColumn<QByteArray>("line"); // empty: whatever QSettings makes of it
 
-    QTest::newRow("int") << "int" << "5" << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=5\n");
-    QTest::newRow("negative int") << "int" << "-12" << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=-12\n");
-    QTest::newRow("double") << "double" << "0.1" << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=0.1\n");
-    QTest::newRow("whole double") << "double" << "200" << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=200\n");
-    QTest::newRow("text") << "string" << "Acrylic" << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=Acrylic\n");
+    QTest::newRow("int") << "int" << "5" << QByteArray("VALUE=5\n");
+    QTest::newRow("negative int") << "int" << "-12" << QByteArray("VALUE=-12\n");
+    QTest::newRow("double") << "double" << "0.1" << QByteArray("VALUE=0.1\n");
+    QTest::newRow("whole double") << "double" << "200" << QByteArray("VALUE=200\n");
+    QTest::newRow("text") << "string" << "Acrylic" << QByteArray("VALUE=Acrylic\n");
+    QTest::newRow("comma") << "string" << "a,b" << QByteArray();
+    QTest::newRow("equals and semicolon") << "string" << "k=v;x" << QByteArray();
+    QTest::newRow("leading and trailing blanks") << "string" << "  padded  " << QByteArray();
+    QTest::newRow("non-ASCII") << "string" << QStringLiteral("木材 é") << QByteArray();
+    QTest::newRow("section lookalike") << "string" << "[APP_CFG]" << QByteArray();
+    QTest::newRow("line break") << "string" << "one\ntwo" << QByteArray();
+    QTest::newRow("empty") << "string" << "" << QByteArray();
+    // clang-format on
 }
 
-void tst_Settings::writeLandsAsIniLine()
+void tst_Settings::write()
 {
     QFETCH(QString, type);
     QFETCH(QString, value);
-    QFETCH(QByteArray, expected);
+    QFETCH(QByteArray, line);
     TestEnvironment env;
     const QString path = env.dataFile(QStringLiteral("UserParam.ini"));
     const QString group = QStringLiteral("BLOCK");
-    const QString key = QStringLiteral("BLOCK_PROCESS_PARAM");
+    const QString key = QStringLiteral("VALUE");
 
     if (type == QLatin1String("int"))
         WriteIniInt(group, key, value.toInt(), path);
@@ -182,140 +151,87 @@ void tst_Settings::writeLandsAsIniLine()
         WriteIniDouble(group, key, value.toDouble(), path);
     else
         WriteIniString(group, key, value, path);
-
     // Written at once, no batch involved.
-    QCOMPARE(env.readFile(path), expected);
-}
+    if (!line.isEmpty())
+        QCOMPARE(env.readFile(path), QByteArray("[BLOCK]\n") + line);
 
-void tst_Settings::writeThenReadBack_data()
-{
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("plain") << "Plywood";
-    QTest::newRow("comma") << "a,b";
-    QTest::newRow("equals and semicolon") << "k=v;x";
-    QTest::newRow("leading and trailing blanks") << "  padded  ";
-    QTest::newRow("non-ASCII") << QStringLiteral("木材 é");
-    QTest::newRow("section lookalike") << "[APP_CFG]";
-    QTest::newRow("line break") << "one\ntwo";
-    QTest::newRow("empty") << "";
-}
-
-void tst_Settings::writeThenReadBack()
-{
-    QFETCH(QString, text);
-    TestEnvironment env;
-    const QString path = env.dataFile(QStringLiteral("tmpParam.ini"));
-
-    WriteIniString(QStringLiteral("DLG_LIB_MGR"), QStringLiteral("NAME"), text, path);
-    WriteIniInt(QStringLiteral("DLG_LIB_MGR"), QStringLiteral("AFTER"), 17, path);
-
-    QCOMPARE(ReadIniString(QStringLiteral("DLG_LIB_MGR"), QStringLiteral("NAME"), QStringLiteral("x"), path),
-             text);
-    // Whatever the text holds, it does not swallow the next key.
-    QCOMPARE(ReadIniInt(QStringLiteral("DLG_LIB_MGR"), QStringLiteral("AFTER"), 0, path), 17);
+    // Whatever the text holds, it reads back and does not swallow the next key.
+    WriteIniInt(group, QStringLiteral("AFTER"), 17, path);
+    QCOMPARE(::read(type, group, key, QStringLiteral("x"), path), value);
+    QCOMPARE(ReadIniInt(group, QStringLiteral("AFTER"), 0, path), 17);
 }
 
 void tst_Settings::writeKeepsOtherKeys()
 {
     TestEnvironment env;
-    const QString path = prepare(env, true);
+    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
+    env.writeFile(path, kSample);
 
     WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 0, path);
     WriteIniDouble(QStringLiteral("NEW_GROUP"), QStringLiteral("LASER_THICKNESS"), 2.5, path);
 
-    QCOMPARE(ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 1, path), 0);
-    QCOMPARE(ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"), QStringLiteral("MOTOR_SPEED_MAX_1"), 0, path),
+    QCOMPARE(ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"), QStringLiteral("MOTOR_SPEED_MAX_1"),
+                        0, path),
              300);
     QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("TEXT"), QString(), path),
              QStringLiteral("abc"));
     const QByteArray bytes = env.readFile(path);
     QVERIFY2(bytes.contains("[NEW_GROUP]\nLASER_THICKNESS=2.5\n"), bytes.constData());
-    QVERIFY2(bytes.contains("KEY_RULER_UNIT=0\n"), bytes.constData());
+    QVERIFY2(bytes.contains("[APP_CFG]\nEMPTY=\nEXPONENT=1e3\nFRACTION=2.5\nKEY_RULER_UNIT=0\n"),
+             bytes.constData());
 }
 
-void tst_Settings::batchTakesEveryWrite()
+void tst_Settings::batch()
 {
     TestEnvironment env;
+    const QString g = QStringLiteral("APP_CFG");
+    const QString k = QStringLiteral("KEY_RULER_UNIT");
     const QString batchPath = env.dataFile(QStringLiteral("old.lpl"));
-    const QString otherPath = env.dataFile(QStringLiteral("cfg.ini"));
-
-    OpenIniBatch(batchPath);
-    WriteIniInt(QStringLiteral("LAYER_0"), QStringLiteral("COLOR"), 255, batchPath);
-    WriteIniDouble(QStringLiteral("LAYER_0"), QStringLiteral("CUT_SPEED"), 12.5, otherPath);
-    WriteIniString(QStringLiteral("APP_CFG"), QStringLiteral("NAME"), QStringLiteral("elsewhere"), otherPath);
-    CloseIniBatch();
-
-    QVERIFY(!QFile::exists(otherPath));
-    QCOMPARE(ReadIniInt(QStringLiteral("LAYER_0"), QStringLiteral("COLOR"), 0, batchPath), 255);
-    QCOMPARE(ReadIniDouble(QStringLiteral("LAYER_0"), QStringLiteral("CUT_SPEED"), 0, batchPath), 12.5);
-    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("NAME"), QString(), batchPath),
-             QStringLiteral("elsewhere"));
-
-    // With the batch closed, writes go to the file they name again.
-    WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 2, otherPath);
-    QCOMPARE(env.readFile(otherPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=2\n"));
-    QCOMPARE(ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 0, batchPath), 0);
-}
-
-void tst_Settings::secondBatchRedirects()
-{
-    TestEnvironment env;
-    const QString first = env.dataFile(QStringLiteral("first.ini"));
-    const QString second = env.dataFile(QStringLiteral("second.ini"));
-
-    OpenIniBatch(first);
-    WriteIniInt(QStringLiteral("G"), QStringLiteral("A"), 1, first);
-    OpenIniBatch(second);
-    WriteIniInt(QStringLiteral("G"), QStringLiteral("B"), 2, first);
-    CloseIniBatch();
-
-    QCOMPARE(ReadIniInt(QStringLiteral("G"), QStringLiteral("B"), 0, second), 2);
-    QCOMPARE(ReadIniInt(QStringLiteral("G"), QStringLiteral("B"), 0, first), 0);
-}
-
-void tst_Settings::closeWithoutBatchIsHarmless()
-{
-    TestEnvironment env;
-    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
-
-    CloseIniBatch();
-    CloseIniBatch();
-    WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 3, path);
-    QCOMPARE(env.readFile(path), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=3\n"));
-
-    OpenIniBatch(env.dataFile(QStringLiteral("old.lpl")));
-    CloseIniBatch();
-    CloseIniBatch();
-    WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 0, path);
-    QCOMPARE(ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 1, path), 0);
-}
-
-void tst_Settings::readsIgnoreTheBatch()
-{
-    TestEnvironment env;
-    const QString batchPath = env.dataFile(QStringLiteral("old.lpl"));
-    const QString cfgPath = prepare(env, true);
+    const QString cfgPath = env.dataFile(QStringLiteral("cfg.ini"));
+    const QString otherPath = env.dataFile(QStringLiteral("other.ini"));
+    env.writeFile(cfgPath, kSample);
     env.writeFile(batchPath, "[APP_CFG]\nKEY_RULER_UNIT=0\n");
 
-    OpenIniBatch(batchPath);
-    WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 2, cfgPath);
-    // A read goes to the file it names, not to the batch that took the write.
-    QCOMPARE(ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 1, cfgPath), 3);
-    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("TEXT"), QString(), cfgPath),
-             QStringLiteral("abc"));
-    // Nothing reaches the disk before the batch closes.
-    QCOMPARE(env.readFile(batchPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=0\n"));
+    // Closing without a batch does nothing.
+    CloseIniBatch();
     CloseIniBatch();
 
-    QCOMPARE(env.readFile(batchPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=2\n"));
+    // Every write goes to the batch, whatever file it names; reads go to the
+    // file they name; nothing reaches the disk before the batch closes.
+    OpenIniBatch(batchPath);
+    WriteIniInt(g, k, 2, cfgPath);
+    WriteIniDouble(QStringLiteral("LAYER_0"), QStringLiteral("CUT_SPEED"), 12.5, otherPath);
+    WriteIniString(g, QStringLiteral("NAME"), QStringLiteral("elsewhere"), batchPath);
+    QCOMPARE(ReadIniInt(g, k, 1, cfgPath), 3);
+    QCOMPARE(env.readFile(batchPath), QByteArray("[APP_CFG]\nKEY_RULER_UNIT=0\n"));
+    CloseIniBatch();
+    CloseIniBatch();
+    QCOMPARE(
+        env.readFile(batchPath),
+        QByteArray("[APP_CFG]\nKEY_RULER_UNIT=2\nNAME=elsewhere\n\n[LAYER_0]\nCUT_SPEED=12.5\n"));
     QCOMPARE(env.readFile(cfgPath), kSample);
+    QVERIFY(!QFile::exists(otherPath));
+
+    // A second batch takes over from the first.
+    OpenIniBatch(otherPath);
+    WriteIniInt(g, QStringLiteral("A"), 1, otherPath);
+    OpenIniBatch(cfgPath);
+    WriteIniInt(g, QStringLiteral("B"), 2, otherPath);
+    CloseIniBatch();
+    QCOMPARE(ReadIniInt(g, QStringLiteral("B"), 0, cfgPath), 2);
+    QCOMPARE(env.readFile(otherPath), QByteArray("[APP_CFG]\nA=1\n"));
+
+    // With the batch closed, writes go to the file they name again.
+    WriteIniInt(g, k, 5, otherPath);
+    QCOMPARE(ReadIniInt(g, k, 0, otherPath), 5);
+    QCOMPARE(ReadIniInt(g, k, 0, batchPath), 2);
 }
 
 void tst_Settings::everyReadOpensAfresh()
 {
     TestEnvironment env;
-    const QString path = prepare(env, true);
+    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
+    env.writeFile(path, kSample);
     const QString group = QStringLiteral("APP_CFG");
     const QString key = QStringLiteral("KEY_RULER_UNIT");
     QCOMPARE(ReadIniInt(group, key, 1, path), 3);
@@ -333,37 +249,83 @@ void tst_Settings::everyReadOpensAfresh()
     QVERIFY(env.writeFile(path, "[APP_CFG]\nKEY_RULER_UNIT=0\nOTHER=12345\n"));
     QCOMPARE(ReadIniInt(group, key, 1, path), 0);
     QCOMPARE(ReadIniInt(group, QStringLiteral("NEGATIVE"), 99, path), 99);
-
     QVERIFY(QFile::remove(path));
     QCOMPARE(ReadIniInt(group, key, 1, path), 1);
 }
 
-void tst_Settings::dataFilePaths_data()
+void tst_Settings::userDataDir_data()
 {
-    QTest::addColumn<QString>("name");
+    // clang-format off
+    QTest::addColumn<QString>("theme");
+    QTest::addColumn<QString>("organisation");
+    QTest::addColumn<QString>("folder");
 
-    QTest::newRow("cfg") << "cfg.ini";
-    QTest::newRow("factory") << "FactoryParam.ini";
-    QTest::newRow("user") << "UserParam.ini";
-    QTest::newRow("tmp") << "tmpParam.ini";
-    QTest::newRow("any other") << "lm.json";
+    QTest::newRow("Quorvantix") << "Quorvantix" << "" << "Quorvantix";
+    QTest::newRow("no theme") << "" << "" << "Tessavolia";
+    QTest::newRow("Tessavolia") << "Tessavolia" << "" << "Tessavolia";
+    QTest::newRow("other") << "Dark" << "" << "Tessavolia";
+    QTest::newRow("case differs") << "quorvantix" << "" << "Tessavolia";
+    QTest::newRow("trailing blank") << "Quorvantix " << "" << "Tessavolia";
+    QTest::newRow("longer name") << "QuorvantixPro" << "" << "Tessavolia";
+    QTest::newRow("beside the organisation") << "" << "Maker" << "Maker/Tessavolia";
+    // clang-format on
 }
 
-void tst_Settings::dataFilePaths()
+void tst_Settings::userDataDir()
 {
-    QFETCH(QString, name);
+    QFETCH(QString, theme);
+    QFETCH(QString, organisation);
+    QFETCH(QString, folder);
     TestEnvironment env;
-    const QString expected = env.root() + QStringLiteral("/config/Tessavolia/Resources/Data/") + name;
+    CUiPermissionsManager::GetInstance()->SetThemeName(theme);
+    const QString oldOrganisation = QCoreApplication::organizationName();
+    QCoreApplication::setOrganizationName(organisation);
+    const QString dir = UserDataDir();
+    const QString cfg = CfgIniPath();
+    QCoreApplication::setOrganizationName(oldOrganisation);
 
-    const QHash<QString, QString (*)()> named = {
-        {QStringLiteral("cfg.ini"), &CfgIniPath},
-        {QStringLiteral("FactoryParam.ini"), &FactoryParamIniPath},
-        {QStringLiteral("UserParam.ini"), &UserParamIniPath},
-        {QStringLiteral("tmpParam.ini"), &TmpParamIniPath},
-    };
-    if (named.contains(name))
-        QCOMPARE(named.value(name)(), expected);
-    QCOMPARE(DataFilePath(name), expected);
+    // The configuration location is <XDG>/<application name>; the data
+    // directory is its sibling, and the host's files are in its Data/.
+    const QString expected =
+        env.root() + QStringLiteral("/config/") + folder + QStringLiteral("/Resources");
+    QCOMPARE(dir, expected);
+    QVERIFY(QFileInfo(dir).isDir());
+    QCOMPARE(cfg, expected + QStringLiteral("/Data/cfg.ini"));
+}
+
+void tst_Settings::userDataDirCreatedWhenMissing()
+{
+    TestEnvironment env;
+    const QString data = env.dataDir() + QStringLiteral("/Data/");
+    QCOMPARE(FactoryParamIniPath(), data + QStringLiteral("FactoryParam.ini"));
+    QCOMPARE(UserParamIniPath(), data + QStringLiteral("UserParam.ini"));
+    QCOMPARE(TmpParamIniPath(), data + QStringLiteral("tmpParam.ini"));
+    QCOMPARE(DataFilePath(QStringLiteral("lm.json")), data + QStringLiteral("lm.json"));
+
+    CUiPermissionsManager::GetInstance()->SetThemeName(QStringLiteral("Quorvantix"));
+    const QString expected = env.root() + QStringLiteral("/config/Quorvantix/Resources");
+    QVERIFY(!QFileInfo::exists(expected));
+    QCOMPARE(UserDataDir(), expected);
+    // Only the directory itself: Data/ is the host's to create.
+    QVERIFY(QDir(expected).entryList(QDir::NoDotAndDotDot | QDir::AllEntries).isEmpty());
+
+    // An existing directory and its content are left alone.
+    QVERIFY(env.writeFile(expected + QStringLiteral("/Data/cfg.ini"), "[APP_CFG]\n"));
+    QCOMPARE(UserDataDir(), expected);
+    QCOMPARE(env.readFile(expected + QStringLiteral("/Data/cfg.ini")), QByteArray("[APP_CFG]\n"));
+}
+
+void tst_Settings::resourceDir()
+{
+    TestEnvironment env;
+    QCOMPARE(AppResourceDir(), env.resourceDir());
+    SetAppResourceDir(QStringLiteral("/opt/elsewhere/Resources"));
+    QCOMPARE(AppResourceDir(), QStringLiteral("/opt/elsewhere/Resources"));
+
+    // Tests run from <build>/tests, so the default is <build>/Resources, the
+    // same folder the plug-in in <build>/bin sees.
+    SetAppResourceDir(QString());
+    QCOMPARE(AppResourceDir(), QDir::cleanPath(QStringLiteral(LAYERMGR_BUILD_BIN "/../Resources")));
 }
 
 QTEST_GUILESS_MAIN(tst_Settings)
