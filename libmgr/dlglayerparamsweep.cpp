@@ -24,9 +24,8 @@ DlgLayerParamSweep::DlgLayerParamSweep(QWidget *parent)
                                  FactoryParamIniPath());
     addFields();
     // Sets do not carry the vertical order: it is the user's choice.
-    CLayerParam layer = currentLayer();
-    layer.SWEEP.SWEEP_VERT_TYPE = ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
-    showLayer(layer);
+    scratchLayer().SWEEP.SWEEP_VERT_TYPE =
+        ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
     finishSetUp();
     SetDeepMode(false);
 }
