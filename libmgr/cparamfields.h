@@ -64,7 +64,10 @@ CParamAccess LaserField(Block CLayerParam::*block, T LaserParam::*field)
             },
             [=](CLayerParam &layer, int laser, double value) {
                 Block &b = layer.*block;
-                (laser == 2 ? b.LASER2 : b.LASER1).*field = ParamFromDouble<T>(value);
+                // Through a named reference: GCC 12 assigns to a copy when the
+                // member pointer is applied to the conditional directly.
+                LaserParam &target = laser == 2 ? b.LASER2 : b.LASER1;
+                target.*field = ParamFromDouble<T>(value);
             }};
 }
 
