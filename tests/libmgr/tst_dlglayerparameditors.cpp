@@ -39,7 +39,10 @@ CLibCutSet sampleCutSet()
     set.laser2.jumpDelay = 40;
     set.bridges = true;
     set.bridgesSpace = 12.7;
+    set.useGuideLine = true;
     set.guideIn = 1;
+    set.useCompensate = true;
+    set.pen.enableUpDown = true;
     set.guideInLen = 0.333;
     set.pen.downHeight = 4.5;
     return set;
@@ -67,6 +70,7 @@ CLayerParam sampleLayer()
     layer.WORK_TYPE = WORK_DEEP_ENGRAVE;
     layer.CUT.CUT_SPEED = 7.77;
     layer.CUT.LASER2.ENABLE = false;
+    layer.CUT.LASER1.DWELL_MODE = true;
     layer.CUT.GUIDE_TYPE = 7; // not one of the combo's choices
     layer.SWEEP.SWEEP_SPEED = 123.456;
     layer.SWEEP.LASER2.POWER_MAX = 44.4;
@@ -119,6 +123,8 @@ private slots:
     void ranges();
     void lockAndReadOnly_data();
     void lockAndReadOnly();
+    void dependentFields_data();
+    void dependentFields();
     void userSettingsAndLanguage();
 };
 
@@ -384,6 +390,51 @@ void tst_DlgLayerParamEditors::lockAndReadOnly()
         QCOMPARE(stored, written.isEmpty() ? QString::fromLatin1(userParam.isEmpty() ? "" : "5")
                                            : written);
         env.writeFile(QStringLiteral("UserParam.ini"), userParam);
+    }
+}
+
+void tst_DlgLayerParamEditors::dependentFields_data()
+{
+    QTest::addColumn<bool>("cut");
+    QTest::addColumn<QString>("toggle");
+    QTest::addColumn<QString>("dependent");
+    QTest::addColumn<QString>("chained"); // depends on the dependent
+
+    QTest::newRow("tabs") << true << "checkBox_tabs" << "lineEdit_tabDistance" << "";
+    QTest::newRow("leads") << true << "checkBox_leads" << "checkBox_leadIn"
+                           << "lineEdit_leadInLength";
+    QTest::newRow("dynamic focus") << false << "checkBox_dynamicFocus" << "checkBox_penUp"
+                                   << "doubleSpinBox_safetyFocus";
+    QTest::newRow("offset") << false << "checkBox_offset" << "lineEdit_offsetStep" << "";
+}
+
+// A value that belongs to a switch is usable only while the switch is on.
+void tst_DlgLayerParamEditors::dependentFields()
+{
+    QFETCH(bool, cut);
+    QFETCH(QString, toggle);
+    QFETCH(QString, dependent);
+    QFETCH(QString, chained);
+
+    TestEnvironment env;
+    std::unique_ptr<QWidget> editor;
+    if (cut)
+        editor = std::make_unique<DlgLayerParamCut>();
+    else
+        editor = std::make_unique<DlgLayerParamSweep>();
+    auto *box = child<QCheckBox>(editor.get(), toggle);
+    QWidget *widget = child<QWidget>(editor.get(), dependent);
+    QWidget *next = chained.isEmpty() ? nullptr : child<QWidget>(editor.get(), chained);
+    box->setChecked(false);
+    QVERIFY(!widget->isEnabled());
+    box->click();
+    QVERIFY(widget->isEnabled());
+    if (next) {
+        auto *middle = qobject_cast<QCheckBox *>(widget);
+        middle->setChecked(true);
+        QVERIFY(next->isEnabled());
+        box->click();
+        QVERIFY(!next->isEnabled());
     }
 }
 
