@@ -64,14 +64,21 @@ CMaterialListWidget::CMaterialListWidget(QWidget *parent)
 void CMaterialListWidget::SetItemCountPerRow(int count)
 {
     m_itemCountPerRow = count;
-    // A resize by one pixel and back lays the items out again at once.
+    // A resize by one pixel and back lays the items out again at once. A
+    // widget of fixed size does not resize, so the sizes are applied as well.
     resize(width() - 1, height() - 1);
     resize(width() + 1, height() + 1);
+    applyItemSizes();
 }
 
 void CMaterialListWidget::resizeEvent(QResizeEvent *event)
 {
     QListWidget::resizeEvent(event);
+    applyItemSizes();
+}
+
+void CMaterialListWidget::applyItemSizes()
+{
     if (m_itemCountPerRow < 1 || count() != m_itemCountPerRow)
         return;
     const QSize itemSize(width() / m_itemCountPerRow, height());

@@ -46,6 +46,7 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    void applyItemSizes();
     void startPreview(QWidget *rowWidget);
     void previewTimeout();
     void hidePreview();

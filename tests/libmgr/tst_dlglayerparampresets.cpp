@@ -35,11 +35,15 @@ struct PanelFixture
             panel.AddMaterial(QString::fromLatin1(name), QString());
         for (const char *name : {"1.0mm", "3.0mm", "5.0mm", "Custom Thickness"})
             panel.AddThickness(QString::fromLatin1(name));
-        for (int craft = 0; craft < 5; ++craft)
-            panel.AddCraft(QString::number(craft), craft);
         panel.SetCurrentMaterial(1);
         panel.SetCurrentThickness(1);
         panel.show();
+        // Crafts come and go while the panel is shown.
+        for (int fill = 0; fill < 2; ++fill) {
+            panel.ClearCrafts();
+            for (int craft = 0; craft < 5; ++craft)
+                panel.AddCraft(QString::number(craft), craft);
+        }
     }
     // The chooser's request signal (mean) or its index signal.
     static QMetaMethod signal(const QString &combo, bool mean)
