@@ -64,17 +64,23 @@ CMaterialListWidget::CMaterialListWidget(QWidget *parent)
 void CMaterialListWidget::SetItemCountPerRow(int count)
 {
     m_itemCountPerRow = count;
-    // A resize by one pixel and back lays the items out again at once. A
-    // widget of fixed size does not resize, so the sizes are applied as well.
+    // A resize by one pixel and back lays the items out again at once. The
+    // sizes are applied once it is back at its width (a shown widget of fixed
+    // size does not resize at all); a hidden one gets them with its first
+    // layout.
+    m_relayingOut = true;
     resize(width() - 1, height() - 1);
     resize(width() + 1, height() + 1);
-    applyItemSizes();
+    m_relayingOut = false;
+    if (isVisible())
+        applyItemSizes();
 }
 
 void CMaterialListWidget::resizeEvent(QResizeEvent *event)
 {
     QListWidget::resizeEvent(event);
-    applyItemSizes();
+    if (!m_relayingOut)
+        applyItemSizes();
 }
 
 void CMaterialListWidget::applyItemSizes()

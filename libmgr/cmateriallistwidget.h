@@ -53,6 +53,7 @@ private:
 
     int m_itemCountPerRow = 3;
     int m_previewRow = -1;
+    bool m_relayingOut = false;
     QLabel *m_preview = nullptr;
     QTimer *m_previewTimer = nullptr;
 };

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMimeData>
 #include <QRadioButton>
@@ -140,7 +141,8 @@ private slots:
         if (emitted)
             QCOMPARE(clicked.at(0).at(0).value<QListWidgetItem *>(), list->item(1));
         QCOMPARE(craft ? f.panel.CurrentCraftRow() : f.panel.CurrentScheme(), 1);
-        // Both are strips of equal cells: five crafts, three schemes.
+        // Both are strips of equal cells across the panel: five crafts, three schemes.
+        QCOMPARE(list->width(), f.panel.layout()->contentsRect().width());
         QCOMPARE(list->item(1)->sizeHint(), QSize(list->width() / (craft ? 5 : 3), list->height()));
     }
 
