@@ -232,15 +232,8 @@ private slots:
         QCOMPARE(f.table->styleSheet(), QStringLiteral("border:none;"));
         QCOMPARE(f.table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
 
-        // Spare rows come complete with their cell widgets and the open eye.
-        QVERIFY(f.cell<CLayerNumberWidget>(9, COL_NUM));
-        QVERIFY(f.cell<CLayerModeWidget>(9, COL_MODE));
-        QCOMPARE(f.editor(9, COL_SPEED)->text(), QStringLiteral("1"));
-        QCOMPARE(f.editor(9, COL_POWER)->text(), QStringLiteral("1.0"));
-        QVERIFY(f.cell<CLayerAir>(9, COL_AIR));
-        QCOMPARE(f.eye(9)->objectName(), QStringLiteral("pushButton_layerEye"));
-        QVERIFY(f.eye(9)->isCheckable());
-        QCOMPARE(eyeIcon(f.eye(9)), QStringLiteral("LayerEye"));
+        // Spare rows carry no cell widgets; their type item is not editable.
+        QVERIFY(!f.panel->HasRowWidgets(9));
         QVERIFY(!(f.table->item(9, COL_TYPE)->flags() & Qt::ItemIsEditable));
 
         QCOMPARE(f.panel->CurrentLayerColor(), 0u);
@@ -299,8 +292,9 @@ private slots:
         QCOMPARE(f.visibleRows(), 1);
         QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
         QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), mode);
-        if (mode != QLatin1String("Unknow"))
-            QCOMPARE(f.combo(0, COL_MODE)->currentText(), mode);
+        // What the cell paints: the chosen item, or the placeholder when none is.
+        QComboBox *combo = f.combo(0, COL_MODE);
+        QCOMPARE(combo->currentIndex() < 0 ? combo->placeholderText() : combo->currentText(), mode);
         QTEST(f.editor(0, COL_SPEED)->text(), "speed");
         QTEST(f.tip(0, COL_SPEED), "speedTip");
         QTEST(f.editor(0, COL_POWER)->text(), "power");
@@ -711,8 +705,9 @@ private slots:
         QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0;
         QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5;
         QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0;
-        QTest::newRow("garbage speed above range refused") << 0 << 1 << int(COL_SPEED) << "5000" << 12.25 << 20.0;
-        QTest::newRow("garbage power above range refused") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 20.0;
+        QTest::newRow("garbage speed above range corrected") << 0 << 1 << int(COL_SPEED) << "5000" << 3000.0 << 20.0;
+        QTest::newRow("garbage power above range corrected") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 100.0;
+        QTest::newRow("garbage power below range corrected") << 2 << 1 << int(COL_POWER) << "0" << 30.0 << 0.1;
         QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25 << 20.0;
     }
 
@@ -745,6 +740,9 @@ private slots:
         QCOMPARE(line ? layer->CUT.LASER2.POWER_MAX : layer->SWEEP.LASER2.POWER_MAX, power);
         // The other process block is left alone.
         QCOMPARE(line ? layer->SWEEP.LASER1.POWER_MAX : layer->CUT.LASER1.POWER_MAX, 20.0);
+        // The field shows what the layer holds.
+        QCOMPARE(edit->text(), column == COL_SPEED ? QString::number(speed * (unitMode == 3 ? 60 : 1), 'f', 0)
+                                                   : QString::number(power, 'f', 1));
     }
 
     void airEdit()
@@ -985,6 +983,9 @@ private slots:
         g_LayerContext.m_unitMode = 3;
         f.panel->RefreshSpeeds();
         const qint64 speeds = timer.elapsed();
+        QCOMPARE(f.tip(5000, COL_SPEED), QStringLiteral("/"));
+        f.table->scrollToTop();
+        QApplication::processEvents();
         QCOMPARE(f.tip(0, COL_SPEED), QStringLiteral("60.0"));
         qInfo("%d layers: rows made and filled in %lld ms, scrolled to the end in %lld ms, refilled in %lld ms, "
               "speeds in %lld ms",

@@ -311,11 +311,11 @@ private slots:
         QTest::addColumn<QString>("shown");
         QTest::addColumn<int>("finished");
         QTest::newRow("speed inside") << 0 << "250" << "250" << 1;
-        QTest::newRow("speed above range") << 0 << "3001" << "3001" << 0;
+        QTest::newRow("speed above range corrected") << 0 << "3001" << "3000" << 1;
         QTest::newRow("speed decimals refused") << 0 << "12.5" << "12." << 1;
         QTest::newRow("power inside") << 1 << "55.5" << "55.5" << 1;
         QTest::newRow("power second decimal refused") << 1 << "55.55" << "55.5" << 1;
-        QTest::newRow("power zero below minimum") << 1 << "0" << "0" << 0;
+        QTest::newRow("power zero corrected to the minimum") << 1 << "0" << "0.1" << 1;
         QTest::newRow("garbage letters") << 1 << "x" << "" << 0;
     }
 
