@@ -356,8 +356,10 @@ void DlgLayerMgr::updateWidgetWindow()
     int last = table->rowAt(table->viewport()->height() - 1);
     if (first < 0)
         first = 0;
+    // The rows end above the bottom, or the view is not laid out yet (a
+    // hidden panel must not build widgets for every row).
     if (last < 0)
-        last = m_shownRows - 1;
+        last = std::min(m_shownRows - 1, first + table->viewport()->height() / rowHeight() + 1);
     // Half a page above and below: a wheel step or a drag near the edge
     // shows filled rows, and the rows made at once stay few.
     const int margin = std::max(4, (last - first + 2) / 2);
