@@ -44,10 +44,6 @@ CMaterialLibrary read(const QByteArray &bytes)
     return library;
 }
 
-QByteArray canonical(const QByteArray &bytes)
-{
-    return jsonBytes(read(bytes));
-}
 
 // The user's edit that every flow must save.
 bool addMine(const QString &name = QStringLiteral("Mine"))
@@ -62,28 +58,13 @@ bool hasMine(const QByteArray &bytes, const QString &name = QStringLiteral("Mine
 
 struct Env : TestEnvironment
 {
-    Env()
-    {
-        store().SetClock([] { return kNow; });
-    }
+    Env() { store().SetClock([] { return kNow; }); }
     QString factory() const { return resourceDir() + QStringLiteral("/Data/defaultMaterial.json"); }
-    QStringList backups() const
-    {
-        return QDir(dataDir() + QStringLiteral("/Backup")).entryList(QDir::Files, QDir::Name);
-    }
-    QByteArray backup(const QString &name) const
-    {
-        return readFile(CLibraryStore::BackupDir() + name);
-    }
-    bool logHas(const QString &text) const
-    {
-        return logLines().join(QLatin1Char('\n')).contains(text);
-    }
+    QStringList backups() const { return QDir(dataDir() + QStringLiteral("/Backup")).entryList(QDir::Files, QDir::Name); }
+    QByteArray backup(const QString &name) const { return readFile(CLibraryStore::BackupDir() + name); }
+    bool logHas(const QString &text) const { return logLines().join(QLatin1Char('\n')).contains(text); }
     // A file where the backup folder should be.
-    bool blockBackups() const
-    {
-        return writeFile(dataDir() + QStringLiteral("/Backup"), "in the way");
-    }
+    bool blockBackups() const { return writeFile(dataDir() + QStringLiteral("/Backup"), "in the way"); }
     QString importFile(const QByteArray &bytes) const
     {
         const QString path = root() + QStringLiteral("/import.json");
@@ -152,11 +133,8 @@ private slots:
         QVERIFY(store().UserLibrary() == read(loaded));
         QVERIFY(store().FactoryLibrary() == (factory ? read(factoryBytes) : CMaterialLibrary()));
         const CRunningOptions *options = g_LayerContext.FindRunningOption(255);
-        QVERIFY(options && options->type == 3 &&
-                options->MaterialName() == QStringLiteral("Birch"));
-        QCOMPARE(env.readFile(QStringLiteral("lm.json")), user != kNoFile ? user
-                                                          : factory       ? factoryBytes
-                                                                          : QByteArray());
+        QVERIFY(options && options->type == 3 && options->MaterialName() == QStringLiteral("Birch"));
+        QCOMPARE(env.readFile(QStringLiteral("lm.json")), user != kNoFile ? user : factory ? factoryBytes : QByteArray());
         if (reason.isEmpty()) {
             QVERIFY(!QFileInfo::exists(CLibraryStore::BackupDir()));
         } else {
@@ -164,8 +142,7 @@ private slots:
             // also a second time within the same second.
             QCOMPARE(env.backups(), QStringList{kFirstBackup});
             QCOMPARE(env.backup(kFirstBackup), user);
-            QVERIFY2(env.logHas(reason) && env.logHas(kFirstBackup),
-                     qPrintable(env.logLines().join('\n')));
+            QVERIFY2(env.logHas(reason) && env.logHas(kFirstBackup), qPrintable(env.logLines().join('\n')));
             store().Load();
             QCOMPARE(env.backups(), (QStringList{"lib20251107015637-2.bck", kFirstBackup}));
         }
@@ -223,21 +200,14 @@ private slots:
             result = store().Save();
         }
         QCOMPARE(result, saved);
-        QCOMPARE(env.readFile(QStringLiteral("lm.json")) == jsonBytes(sampleLibrary()),
-                 libraryWritten);
-        QCOMPARE(env.readFile(QStringLiteral("lm.tmp.json")) ==
-                     g_LayerContext.RunningOptionsJson().toUtf8(),
-                 optionsWritten);
+        QCOMPARE(env.readFile(QStringLiteral("lm.json")) == jsonBytes(sampleLibrary()), libraryWritten);
+        QCOMPARE(env.readFile(QStringLiteral("lm.tmp.json")) == g_LayerContext.RunningOptionsJson().toUtf8(), optionsWritten);
         QCOMPARE(env.logHas(QStringLiteral("Library not saved")), !libraryWritten);
         // No temporary files are left beside them; an old file stays whole.
-        for (const QString &name :
-             QDir(env.dataDir() + QStringLiteral("/Data")).entryList(QDir::Files))
-            QVERIFY2(name == QStringLiteral("lm.json") || name == QStringLiteral("lm.tmp.json"),
-                     qPrintable(name));
+        for (const QString &name : QDir(env.dataDir() + QStringLiteral("/Data")).entryList(QDir::Files))
+            QVERIFY2(name == QStringLiteral("lm.json") || name == QStringLiteral("lm.tmp.json"), qPrintable(name));
         if (obstacle == QStringLiteral("limit"))
-            QCOMPARE(env.readFile(QStringLiteral("lm.json")) +
-                         env.readFile(QStringLiteral("lm.tmp.json")),
-                     QByteArray("old{}"));
+            QCOMPARE(env.readFile(QStringLiteral("lm.json")) + env.readFile(QStringLiteral("lm.tmp.json")), QByteArray("old{}"));
     }
 
     void backupNames()
@@ -292,13 +262,10 @@ private slots:
         QCOMPARE(store().BackupAndTakeOver(env.importFile(file)), taken);
         // The file's library replaces the user library whole, after a backup.
         QVERIFY(store().UserLibrary() == read(taken ? file : userBytes));
-        QCOMPARE(env.readFile(QStringLiteral("lm.json")), taken      ? canonical(file)
-                                                          : userFile ? userBytes
-                                                                     : QByteArray());
+        QCOMPARE(env.readFile(QStringLiteral("lm.json")), taken ? jsonBytes(read(file)) : userFile ? userBytes : QByteArray());
         QCOMPARE(QFileInfo::exists(env.dataFile(QStringLiteral("lm.tmp.json"))), taken);
         QCOMPARE(QFileInfo(CLibraryStore::BackupDir()).isDir(), taken && !backupsBlocked);
-        QCOMPARE(env.backup(kFirstBackup),
-                 taken && userFile && !backupsBlocked ? userBytes : QByteArray());
+        QCOMPARE(env.backup(kFirstBackup), taken && userFile && !backupsBlocked ? userBytes : QByteArray());
         QCOMPARE(env.logHas(QStringLiteral("backup of")), backupsBlocked);
     }
 
@@ -360,9 +327,7 @@ private slots:
         QVERIFY(!QFileInfo::exists(env.dataFile(QStringLiteral("lm.json"))));
         QVERIFY(store().UserLibrary() == read(taken ? file : jsonBytes(sampleLibrary())));
         QCOMPARE(env.backup(kFirstBackup), taken ? file : QByteArray());
-        QVERIFY(
-            env.logLines().contains(taken ? QStringLiteral("2|ReloadLibrary: library taken over")
-                                          : QStringLiteral("2|ReloadLibrary: nothing taken over")));
+        QVERIFY(env.logLines().contains(QStringLiteral("2|ReloadLibrary: ") + (taken ? "library taken over" : "nothing taken over")));
 
         // A later module object shares the library and the running options
         // in memory, unsaved edits included: nothing is read again, the
