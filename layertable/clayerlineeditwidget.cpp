@@ -8,7 +8,34 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 
+#include <algorithm>
 #include <cmath>
+
+// Typing is checked by QDoubleValidator; on Return or leaving the field the
+// line edit asks fixup() for a text it can accept. A number outside the
+// range is corrected to the nearest bound, anything else gives back the text
+// last shown, so the field never shows what the layer does not hold.
+class CLayerLineEditWidget::RangeValidator : public QDoubleValidator
+{
+public:
+    using QDoubleValidator::QDoubleValidator;
+
+    void fixup(QString &input) const override
+    {
+        if (input == shown)
+            return;
+        bool isNumber = false;
+        const double value = locale().toDouble(input.trimmed(), &isNumber);
+        if (!isNumber || !std::isfinite(value)) {
+            input = shown;
+            return;
+        }
+        const double clamped = std::clamp(value, bottom(), top());
+        input = ShownText(QString::number(clamped, 'f', std::max(decimals(), 0)), decimals());
+    }
+
+    QString shown;
+};
 
 CLayerLineEditWidget::CLayerLineEditWidget(QWidget *parent)
     : QWidget(parent)
@@ -27,7 +54,11 @@ CLayerLineEditWidget::CLayerLineEditWidget(QWidget *parent)
     layout->addStretch();
     setFocusProxy(m_edit);
     m_edit->installEventFilter(this);
-    connect(m_edit, &QLineEdit::editingFinished, this, &CLayerLineEditWidget::editingFinished);
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] {
+        if (m_validator)
+            m_validator->shown = m_edit->text();
+        emit editingFinished();
+    });
     connect(m_edit, &QLineEdit::returnPressed, this, &CLayerLineEditWidget::onReturnPressed);
 }
 
@@ -42,7 +73,7 @@ CLayerLineEditWidget::~CLayerLineEditWidget()
 void CLayerLineEditWidget::SetRange(double min, double max, int decimals, int language)
 {
     if (!m_validator) {
-        m_validator = new QDoubleValidator(this);
+        m_validator = new RangeValidator(this);
         m_validator->setNotation(QDoubleValidator::StandardNotation);
         m_edit->setValidator(m_validator);
     }
@@ -65,6 +96,8 @@ QString CLayerLineEditWidget::ShownText(const QString &text, int decimals)
 void CLayerLineEditWidget::SetText(const QString &text)
 {
     const QString shown = m_validator ? ShownText(text, m_validator->decimals()) : text;
+    if (m_validator)
+        m_validator->shown = shown;
     if (m_edit->text() != shown)
         m_edit->setText(shown);
 }

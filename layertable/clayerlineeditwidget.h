@@ -2,11 +2,12 @@
 
 #include <QWidget>
 
-class QDoubleValidator;
 class QLineEdit;
 
 // The "Speed" and "Power" cells: a centred line edit that takes only numbers
-// inside its range. A right press makes the row's layer the current one.
+// inside its range; on Return or leaving, a number outside it is corrected
+// to the nearest bound and anything else gives back the text shown before.
+// A right press makes the row's layer the current one.
 class CLayerLineEditWidget : public QWidget
 {
     Q_OBJECT
@@ -38,8 +39,10 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    class RangeValidator;
+
     void onReturnPressed();
 
     QLineEdit *m_edit;
-    QDoubleValidator *m_validator = nullptr;
+    RangeValidator *m_validator = nullptr;
 };

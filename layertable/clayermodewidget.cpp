@@ -58,12 +58,17 @@ int CLayerModeWidget::WorkTypeAt(int index) const
 
 void CLayerModeWidget::SetCurrentText(const QString &text)
 {
-    m_combo->setCurrentText(text);
+    // A mode the list does not offer ("Unknow", or cutting on a fill-only
+    // layer) is shown as it is, with no item chosen.
+    const int index = m_combo->findText(text);
+    if (index < 0)
+        m_combo->setPlaceholderText(text);
+    m_combo->setCurrentIndex(index);
 }
 
 QString CLayerModeWidget::CurrentText() const
 {
-    return m_combo->currentText();
+    return m_combo->currentIndex() < 0 ? m_combo->placeholderText() : m_combo->currentText();
 }
 
 int CLayerModeWidget::CurrentIndex() const

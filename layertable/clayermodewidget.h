@@ -18,6 +18,7 @@ public:
     bool FillOnly() const { return m_fillOnly; }
     // The work type of a combo index in the current list.
     int WorkTypeAt(int index) const;
+    // A text that is not in the list shows as it is, with no item chosen.
     void SetCurrentText(const QString &text);
     QString CurrentText() const;
     int CurrentIndex() const;

@@ -11,10 +11,11 @@
 #include <QStyleFactory>
 #include <QWheelEvent>
 
-namespace {
+namespace ComboCell {
+
 // One style object for every combo of every table: a layer list of thousands
 // must not carry thousands of styles.
-QStyle *fusionStyle()
+QStyle *SharedStyle()
 {
     static QPointer<QStyle> style;
     if (!style) {
@@ -24,18 +25,19 @@ QStyle *fusionStyle()
     }
     return style;
 }
-} // namespace
-
-namespace ComboCell {
 
 QComboBox *Create(QWidget *cell, const char *objectName)
 {
     auto *combo = new QComboBox(cell);
     combo->setObjectName(QString::fromLatin1(objectName));
     // The combo's own view is already a list view; replacing it would cost a
-    // widget destruction per cell.
-    if (QStyle *style = fusionStyle())
-        combo->setStyle(style);
+    // widget destruction per cell. Inside a table the combo inherits the
+    // style as it is made: setting it on the combo itself would build its
+    // popup at once and wrap the style sheet around the style once per cell.
+    if (!cell->parentWidget()) {
+        if (QStyle *style = SharedStyle())
+            combo->setStyle(style);
+    }
     // The cell is the combo's room: "High" must not be cut to "Hi".
     combo->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     auto *layout = new QHBoxLayout(cell);

@@ -5,6 +5,7 @@
 #include "clayerlineeditwidget.h"
 #include "clayermodewidget.h"
 #include "clayernumberwidget.h"
+#include "combocell.h"
 #include "ctablewidgetupdown.h"
 
 #include "library/clayercontext.h"
@@ -46,10 +47,6 @@ enum ECOLUMN {
 };
 
 constexpr int kInitialRows = 10;
-// Rows below this one get their cell widgets only while they are near the
-// visible part of the table: thousands of sibling widgets make every layout
-// and scroll step of the view quadratic.
-constexpr int kEagerWidgetRows = 64;
 constexpr char kRowProperty[] = "layerRow";
 constexpr double kRowGrowth = 1.3;
 constexpr double kDesignRowHeight = 40.0;
@@ -207,6 +204,10 @@ void DlgLayerMgr::initialise()
     table->setShowGrid(false);
     table->setEditTriggers(QAbstractItemView::CurrentChanged);
     table->setStyleSheet(QStringLiteral("border:none;"));
+    // The cells' combos are drawn in Fusion; the cells take it from the
+    // viewport, one style for all of them.
+    if (QStyle *style = ComboCell::SharedStyle())
+        table->viewport()->setStyle(style);
     table->setSelectionMode(QAbstractItemView::SingleSelection);
     table->setSelectionBehavior(QAbstractItemView::SelectRows);
     QObject *receiver = m_receiver.get();
@@ -276,8 +277,6 @@ void DlgLayerMgr::createRows(int count)
         QTableWidgetItem *type = newItem();
         type->setTextAlignment(Qt::AlignCenter);
         table->setItem(row, COL_TYPE, type);
-        if (row < kEagerWidgetRows)
-            attachRowWidgets(row);
     }
     for (int row = first; row < count; ++row)
         table->setRowHidden(row, true);
@@ -287,7 +286,10 @@ void DlgLayerMgr::attachRowWidgets(int row)
 {
     CTableWidgetUpDown *table = ui->tableWidget;
     QTableWidgetItem *numberItem = table->item(row, COL_NUM);
-    auto *number = new CLayerNumberWidget;
+    // Made inside the viewport they take the table's style sheet once, as
+    // they are built, instead of once more when they move into their cell.
+    QWidget *cells = table->viewport();
+    auto *number = new CLayerNumberWidget(cells);
     table->setCellWidget(row, COL_NUM, number);
     QObject *receiver = m_receiver.get();
     connect(number, &CLayerNumberWidget::ButtonDoubleClicked, receiver, [this, numberItem] {
@@ -296,15 +298,15 @@ void DlgLayerMgr::attachRowWidgets(int row)
         onItemDoubleClicked(numberItem);
     });
 
-    auto *mode = new CLayerModeWidget;
+    auto *mode = new CLayerModeWidget(cells);
     table->setCellWidget(row, COL_MODE, mode);
     connect(mode, &CLayerModeWidget::currentIndexChanged, receiver,
             [this, row](int index) { onModeChanged(row, index); });
 
-    auto *speed = new CLayerLineEditWidget;
+    auto *speed = new CLayerLineEditWidget(cells);
     speed->SetRange(0.0, 3000.0, 0, QLocale::C);
     speed->SetText(QStringLiteral("1"));
-    auto *power = new CLayerLineEditWidget;
+    auto *power = new CLayerLineEditWidget(cells);
     power->SetRange(0.1, 100.0, 1, QLocale::C);
     power->SetText(QStringLiteral("1"));
     for (CLayerLineEditWidget *value : {speed, power}) {
@@ -316,12 +318,12 @@ void DlgLayerMgr::attachRowWidgets(int row)
     table->setCellWidget(row, COL_SPEED, speed);
     table->setCellWidget(row, COL_POWER, power);
 
-    auto *air = new CLayerAir;
+    auto *air = new CLayerAir(cells);
     table->setCellWidget(row, COL_AIR, air);
     connect(air, &CLayerAir::currentIndexChanged, receiver,
             [this, row](int index) { onAirChanged(row, index); });
 
-    auto *output = new QPushButton;
+    auto *output = new QPushButton(cells);
     output->setObjectName(QStringLiteral("pushButton_layerEye"));
     output->setCheckable(true);
     output->setChecked(true);
@@ -346,23 +348,28 @@ bool DlgLayerMgr::HasRowWidgets(int row) const
 void DlgLayerMgr::updateWidgetWindow()
 {
     CTableWidgetUpDown *table = ui->tableWidget;
-    if (m_shownRows <= kEagerWidgetRows && m_lazyRows.empty())
-        return;
+    // Rows get their cell widgets only while they are near the visible part
+    // of the table: making a row's widgets costs far more than filling it,
+    // and thousands of sibling widgets make every layout and scroll step of
+    // the view quadratic.
     int first = table->rowAt(0);
     int last = table->rowAt(table->viewport()->height() - 1);
     if (first < 0)
         first = 0;
+    // The rows end above the bottom, or the view is not laid out yet (a
+    // hidden panel must not build widgets for every row).
     if (last < 0)
-        last = m_shownRows - 1;
-    // A page above and below, so that scrolling by a page shows filled rows.
-    const int margin = std::max(8, last - first + 1);
-    const int low = std::max(kEagerWidgetRows, first - margin);
+        last = std::min(m_shownRows - 1, first + table->viewport()->height() / rowHeight() + 1);
+    // Half a page above and below: a wheel step or a drag near the edge
+    // shows filled rows, and the rows made at once stay few.
+    const int margin = std::max(4, (last - first + 2) / 2);
+    const int low = std::max(0, first - margin);
     const int high = std::min(m_shownRows - 1, last + margin);
 
-    for (auto it = m_lazyRows.begin(); it != m_lazyRows.end();) {
+    for (auto it = m_widgetRows.begin(); it != m_widgetRows.end();) {
         if (*it < low || *it > high) {
             detachRowWidgets(*it);
-            it = m_lazyRows.erase(it);
+            it = m_widgetRows.erase(it);
         } else {
             ++it;
         }
@@ -374,7 +381,7 @@ void DlgLayerMgr::updateWidgetWindow()
         if (HasRowWidgets(row))
             continue;
         attachRowWidgets(row);
-        m_lazyRows.insert(row);
+        m_widgetRows.insert(row);
         if (!names)
             names = LaserNames::Read();
         if (CLayerParam *layer = layerOfRow(row))
@@ -852,22 +859,24 @@ void DlgLayerMgr::onValueEdited(int row)
     CLayerParam *layer = layerOfRow(row);
     if (!layer || !speed || !power)
         return;
-    if (layer->WORK_TYPE < WORK_CUTTING || layer->WORK_TYPE > WORK_DEEP_ENGRAVE)
-        return;
-    *m_scratchLayer = *layer;
-    const bool line = layer->IsLineProcess();
-    double &storedSpeed = line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED;
-    LaserParam &laser1 = line ? layer->CUT.LASER1 : layer->SWEEP.LASER1;
-    LaserParam &laser2 = line ? layer->CUT.LASER2 : layer->SWEEP.LASER2;
+    if (layer->WORK_TYPE >= WORK_CUTTING && layer->WORK_TYPE <= WORK_DEEP_ENGRAVE) {
+        *m_scratchLayer = *layer;
+        const bool line = layer->IsLineProcess();
+        double &storedSpeed = line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED;
+        LaserParam &laser1 = line ? layer->CUT.LASER1 : layer->SWEEP.LASER1;
+        LaserParam &laser2 = line ? layer->CUT.LASER2 : layer->SWEEP.LASER2;
 
-    // The editors show rounded values in the display unit: a field the user
-    // left as it was must not write its rounding back into the layer.
-    if (speed->Text() != CLayerLineEditWidget::ShownText(speedText(*layer), speed->Decimals()))
-        storedSpeed = SpeedFromDisplay(speed->Value(), g_LayerContext.m_unitMode);
-    if (power->Text() != CLayerLineEditWidget::ShownText(powerText(*layer), power->Decimals())) {
-        laser1.POWER_MAX = power->Value();
-        laser2.POWER_MAX = power->Value();
+        // The editors show rounded values in the display unit: a field the
+        // user left as it was must not write its rounding back into the layer.
+        if (speed->Text() != CLayerLineEditWidget::ShownText(speedText(*layer), speed->Decimals()))
+            storedSpeed = SpeedFromDisplay(speed->Value(), g_LayerContext.m_unitMode);
+        if (power->Text() != CLayerLineEditWidget::ShownText(powerText(*layer), power->Decimals())) {
+            laser1.POWER_MAX = power->Value();
+            laser2.POWER_MAX = power->Value();
+        }
     }
+    // The editors show what the layer holds, whether the edit was taken or not.
+    fillValues(row, *layer, LaserNames::Read());
 }
 
 void DlgLayerMgr::onAirChanged(int row, int index)

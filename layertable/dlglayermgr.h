@@ -64,7 +64,7 @@ public:
     // The row's layer as it was before the last in-place edit.
     const CLayerParam &ScratchLayer() const { return *m_scratchLayer; }
     bool DualLaser() const { return m_dualLaser; }
-    // Rows far down a long list carry their cell widgets only while near view.
+    // Rows carry their cell widgets only while near the view.
     bool HasRowWidgets(int row) const;
     bool TypeToggle() const { return m_typeToggle; }
 
@@ -129,6 +129,6 @@ private:
     QIcon m_eyeClosed;
     // Rows that showed a layer at the last refill; the rest are spare.
     int m_shownRows = 0;
-    // Rows past the eager ones that carry cell widgets at the moment.
-    std::set<int> m_lazyRows;
+    // Rows that carry cell widgets at the moment: those near the view.
+    std::set<int> m_widgetRows;
 };

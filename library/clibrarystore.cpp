@@ -102,6 +102,7 @@ void CLibraryStore::Load()
         }
     }
 
+    m_loaded = true;
     m_userFileHeld = false;
     const LibraryReadResult read = ReadMaterialLibraryFile(userPath, m_user);
     if (!read.ok() && QFileInfo(userPath).isFile()) {
@@ -126,6 +127,10 @@ void CLibraryStore::Load()
 bool CLibraryStore::Save()
 {
     bool ok = true;
+    // The unreadable file is gone (a reload deletes what it took over):
+    // nothing is left to protect.
+    if (m_userFileHeld && !QFileInfo::exists(UserLibraryPath()))
+        m_userFileHeld = false;
     if (m_userFileHeld) {
         ILog_WriteLogF(3, "Library not saved: %s is unreadable and has no backup",
                        qUtf8Printable(UserLibraryPath()));
@@ -174,11 +179,11 @@ bool CLibraryStore::WriteUserLibrary(const QString &path) const
 
 QString CLibraryStore::BackUpUserLibrary() const
 {
-    const QString source = UserLibraryPath();
-    if (!QFileInfo(source).isFile())
-        return QString();
     const QString dir = BackupDir();
     if (!QDir().mkpath(dir))
+        return QString();
+    const QString source = UserLibraryPath();
+    if (!QFileInfo(source).isFile())
         return QString();
     const QString target = dir + m_clock().toString(QLatin1String(kBackupFormat));
     // QFile::copy never replaces: a second backup within the same second is dropped.
@@ -272,4 +277,5 @@ void CLibraryStore::Reset()
     SetClock({});
     m_question = {};
     m_userFileHeld = false;
+    m_loaded = false;
 }

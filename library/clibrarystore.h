@@ -41,6 +41,9 @@ public:
     // reads the user library, the running options and the factory library.
     // A user library that does not read as one is backed up first.
     void Load();
+    // Whether Load() ran since construction or the last Reset(): the module
+    // loads once per process and later module objects share what it holds.
+    bool IsLoaded() const { return m_loaded; }
     // The user library, then the running options, each written atomically.
     // False when either could not be written; the previous files stay whole.
     bool Save();
@@ -54,7 +57,8 @@ public:
     bool ReloadFactoryLibrary();
     // Export: the user library into any file, atomically.
     bool WriteUserLibrary(const QString &path) const;
-    // Copies "lm.json" to "Backup/libyyyyMMddHHmmss.bck" (clock time). An
+    // Makes sure "Backup/" exists, then copies "lm.json" to
+    // "Backup/libyyyyMMddHHmmss.bck" (clock time). An
     // existing backup of that name is never replaced. Returns the backup's
     // path, empty when nothing was copied.
     QString BackUpUserLibrary() const;
@@ -89,4 +93,5 @@ private:
     // Set while "lm.json" holds something unreadable that could not be
     // backed up: saving would destroy it.
     bool m_userFileHeld = false;
+    bool m_loaded = false;
 };

@@ -28,7 +28,10 @@ CLayerMgrModuleIns::CLayerMgrModuleIns()
 {
     SetModuleErrorPresenter(&showLoaderError);
     InstallDeletionQuestion();
-    g_LayerContext.Store().Load();
+    // Once per process: a second module object must not drop unsaved edits,
+    // nor copy the factory library over one that ReloadLibrary took over.
+    if (!g_LayerContext.Store().IsLoaded())
+        g_LayerContext.Store().Load();
 }
 
 CLayerMgrModuleIns::~CLayerMgrModuleIns() = default;

@@ -1,4 +1,3 @@
-#include "layertable/clayerair.h"
 #include "layertable/clayerlineeditwidget.h"
 #include "layertable/clayermodewidget.h"
 #include "layertable/clayernumberwidget.h"
@@ -11,11 +10,10 @@
 #include "support/directories.h"
 #include "testenvironment.h"
 
-#include "cshapelist.h"
 #include "cshape.h"
+#include "cshapelist.h"
 
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
@@ -24,7 +22,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -37,9 +34,9 @@ enum { COL_NUM, COL_MODE, COL_SPEED, COL_POWER, COL_TYPE, COL_AIR, COL_OUTPUT };
 
 const QString kIconDir = QStringLiteral(LAYERMGR_SOURCE_DIR "/resources/Res/Icon/");
 
+// Far from the palette, never a reserved colour.
 quint32 plainColor(int i)
 {
-    // Far from the palette, never a reserved colour.
     return 0x200000u + quint32(i) * 3u;
 }
 
@@ -49,6 +46,11 @@ CLayerParam *addLayer(CLayerMgrIns &manager, quint32 color, int workType = WORK_
     layer->WORK_TYPE = workType;
     manager.AddLayer(layer);
     return layer;
+}
+
+QByteArray factoryLasers(int laser1, int laser2)
+{
+    return QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n").arg(laser1).arg(laser2).toUtf8();
 }
 
 // Everything a panel test needs, in the order a host builds it.
@@ -63,62 +65,51 @@ struct PanelFixture
         manager = std::make_unique<CLayerMgrIns>(&host);
         panel = std::make_unique<DlgLayerMgr>();
         table = panel->findChild<CTableWidgetUpDown *>(QStringLiteral("tableWidget"));
-        panel->resize(640, 480);
+        // Tall enough that rows 0-35 carry their cell widgets.
+        panel->resize(640, 1000);
     }
-
     bool show()
     {
         panel->show();
         return QTest::qWaitForWindowExposed(panel.get());
     }
-
-    void sync(bool force = false) { panel->SyncLayers(manager.get(), force); }
-    // Layers of plain colours 0..count-1, shown.
-    bool withLayers(int count, int workType = WORK_CUTTING)
+    // Shown first, as the host does: rows get their widgets only where they are seen.
+    void sync(bool force = false)
+    {
+        if (!panel->isVisible())
+            show();
+        panel->SyncLayers(manager.get(), force);
+    }
+    // Layers of plain colours 0..count-1, or of the standard colours 1..count (letters B, C, ...).
+    bool withLayers(int count, bool standard = false)
     {
         for (int i = 0; i < count; ++i)
-            addLayer(*manager, plainColor(i), workType);
+            addLayer(*manager, standard ? StandardLayerColor(quint32(i) + 1, false) : plainColor(i));
         sync();
         return show();
     }
-    // Layers of the standard colours 1..count, letters B, C, D...
-    bool withStandardLayers(quint32 count)
+    // Through the manager, as the host drives it.
+    void update(const QList<quint32> &colors)
     {
-        for (quint32 n = 1; n <= count; ++n)
-            addLayer(*manager, StandardLayerColor(n, false));
-        sync();
-        return show();
+        g_pLayerPanel = panel.get();
+        CShapeList shapes;
+        for (quint32 color : colors)
+            shapes.AddTail(new CShape(color));
+        manager->UpdateLayers(&shapes);
     }
-
-    template<typename T>
-    T *cell(int row, int column) const
-    {
-        return qobject_cast<T *>(table->cellWidget(row, column));
-    }
-    QLineEdit *editor(int row, int column) const
-    {
-        return cell<CLayerLineEditWidget>(row, column)->findChild<QLineEdit *>();
-    }
-    QString tip(int row, int column) const { return cell<CLayerLineEditWidget>(row, column)->toolTip(); }
-    bool selected(int row) const { return table->selectionModel()->isRowSelected(row, QModelIndex()); }
-    QComboBox *combo(int row, int column) const
-    {
-        return table->cellWidget(row, column)->findChild<QComboBox *>();
-    }
+    QWidget *cell(int row, int column) const { return table->cellWidget(row, column); }
+    QLineEdit *editor(int row, int column) const { return cell(row, column)->findChild<QLineEdit *>(); }
+    QString tip(int row, int column) const { return cell(row, column)->toolTip(); }
+    QComboBox *combo(int row, int column) const { return cell(row, column)->findChild<QComboBox *>(); }
     QPushButton *colorButton(int row) const
     {
-        return table->cellWidget(row, COL_NUM)
-            ->findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
+        return cell(row, COL_NUM)->findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
     }
-    QLabel *numberLabel(int row) const
-    {
-        return table->cellWidget(row, COL_NUM)->findChild<QLabel *>(QStringLiteral("label_craftColor"));
-    }
-    QPushButton *eye(int row) const { return cell<QPushButton>(row, COL_OUTPUT); }
-    QPoint centre(int row, int column) const
-    {
-        return table->visualRect(table->model()->index(row, column)).center();
-    }
+    QString number(int row) const { return cell(row, COL_NUM)->findChild<QLabel *>(QStringLiteral("label_craftColor"))->text(); }
+    QPushButton *eye(int row) const { return qobject_cast<QPushButton *>(cell(row, COL_OUTPUT)); }
+    QString text(int row, int column) const { return table->item(row, column)->text(); }
+    QPoint centre(int row, int column) const { return table->visualRect(table->model()->index(row, column)).center(); }
+    bool selected(int row) const { return table->selectionModel()->isRowSelected(row, QModelIndex()); }
     int visibleRows() const
     {
         int count = 0;
@@ -133,6 +124,13 @@ struct PanelFixture
             out << colorButton(row)->text();
         return out;
     }
+    QList<int> numbers() const
+    {
+        QList<int> out;
+        for (quint32 i = 0; i < manager->GetLayerCount(); ++i)
+            out << manager->GetLayerAt(i)->AUX_INDEX;
+        return out;
+    }
 
     TestEnvironment env;
     FakeLayerHost host;
@@ -141,35 +139,15 @@ struct PanelFixture
     CTableWidgetUpDown *table = nullptr;
 };
 
-// As a window system delivers it: press, release, double click, release.
-void doubleClick(QWidget *widget, const QPoint &pos)
-{
-    QTest::mouseClick(widget, Qt::LeftButton, Qt::NoModifier, pos);
-    QTest::mouseDClick(widget, Qt::LeftButton, Qt::NoModifier, pos);
-    QTest::mouseRelease(widget, Qt::LeftButton, Qt::NoModifier, pos);
-}
-
-QImage iconImage(const QIcon &icon)
-{
-    return icon.pixmap(QSize(20, 20)).toImage();
-}
-
 // Which of the two eye icons a button shows.
 QString eyeIcon(QPushButton *eye)
 {
+    const QImage shown = eye->icon().pixmap(QSize(20, 20)).toImage();
     for (const char *name : {"LayerEye", "LayerCloseEye"}) {
-        if (iconImage(eye->icon()) == iconImage(QIcon(kIconDir + name + ".svg")))
+        if (shown == QIcon(kIconDir + name + ".svg").pixmap(QSize(20, 20)).toImage())
             return QLatin1String(name);
     }
     return QStringLiteral("other");
-}
-
-QByteArray factoryLasers(int laser1, int laser2)
-{
-    return QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
-        .arg(laser1)
-        .arg(laser2)
-        .toUtf8();
 }
 
 } // namespace
@@ -192,64 +170,45 @@ private slots:
     {
         QFETCH(QString, icon);
         PanelFixture f;
-        const QColor highlight = f.table->palette().color(QPalette::Active, QPalette::Highlight);
+        const QColor hl = f.table->palette().color(QPalette::Active, QPalette::Highlight);
         QImage image(20, 20, QImage::Format_ARGB32);
-        image.fill(highlight);
+        image.fill(hl);
         QPainter painter(&image);
         QIcon(kIconDir + icon + ".svg").paint(&painter, image.rect());
         painter.end();
         int distinct = 0;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                const QColor c = image.pixelColor(x, y);
-                distinct += std::abs(c.red() - highlight.red()) + std::abs(c.green() - highlight.green())
-                        + std::abs(c.blue() - highlight.blue())
-                    > 150;
-            }
+        for (int i = 0; i < 400; ++i) {
+            const QColor c = image.pixelColor(i % 20, i / 20);
+            distinct += std::abs(c.red() - hl.red()) + std::abs(c.green() - hl.green()) + std::abs(c.blue() - hl.blue()) > 150;
         }
         QVERIFY2(distinct >= 40, qPrintable(QString::number(distinct)));
     }
 
-    void formAndColumns()
+    void emptyPanel()
     {
         PanelFixture f;
-        QCOMPARE(f.panel->objectName(), QStringLiteral("DlgLayerMgr"));
-        QVERIFY(f.table);
         const QStringList headers{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output"};
         QCOMPARE(f.table->columnCount(), headers.size());
-        for (int column = 0; column < headers.size(); ++column) {
-            QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
-            QCOMPARE(f.table->horizontalHeaderItem(column)->toolTip(), headers.at(column));
-        }
+        for (int column = 0; column < headers.size(); ++column)
+            QCOMPARE(f.table->horizontalHeaderItem(column)->text() + f.table->horizontalHeaderItem(column)->toolTip(),
+                     headers.at(column) + headers.at(column));
         QCOMPARE(f.table->rowCount(), 10);
         QCOMPARE(f.visibleRows(), 0);
         // Without the display-scale module the rows keep their design height.
         QCOMPARE(f.table->verticalHeader()->defaultSectionSize(), 40);
-        QVERIFY(!f.table->showGrid());
-        QCOMPARE(f.table->selectionMode(), QAbstractItemView::SingleSelection);
-        QCOMPARE(f.table->selectionBehavior(), QAbstractItemView::SelectRows);
-        QCOMPARE(int(f.table->editTriggers()), 1);
-        QCOMPARE(f.table->styleSheet(), QStringLiteral("border:none;"));
-        QCOMPARE(f.table->verticalScrollMode(), QAbstractItemView::ScrollPerPixel);
-
-        // Spare rows come complete with their cell widgets and the open eye.
-        QVERIFY(f.cell<CLayerNumberWidget>(9, COL_NUM));
-        QVERIFY(f.cell<CLayerModeWidget>(9, COL_MODE));
-        QCOMPARE(f.editor(9, COL_SPEED)->text(), QStringLiteral("1"));
-        QCOMPARE(f.editor(9, COL_POWER)->text(), QStringLiteral("1.0"));
-        QVERIFY(f.cell<CLayerAir>(9, COL_AIR));
-        QCOMPARE(f.eye(9)->objectName(), QStringLiteral("pushButton_layerEye"));
-        QVERIFY(f.eye(9)->isCheckable());
-        QCOMPARE(eyeIcon(f.eye(9)), QStringLiteral("LayerEye"));
-        QVERIFY(!(f.table->item(9, COL_TYPE)->flags() & Qt::ItemIsEditable));
-
         QCOMPARE(f.panel->CurrentLayerColor(), 0u);
-        addLayer(*f.manager, plainColor(7));
-        f.sync();
-        QCOMPARE(f.panel->CurrentLayerColor(), plainColor(7));
         int data = 5;
         f.panel->SetPanelData(&data);
         QCOMPARE(f.panel->GetPanelData(), static_cast<void *>(&data));
+
+        // Without a layer manager nothing happens and nothing breaks.
+        f.panel->MoveLayerSlot(0, 1);
+        f.panel->HorzHeaderClickedSlot(4);
+        f.panel->SelectPendingColors();
+        f.panel->RefreshSpeeds();
+        f.panel->SetDualLaser(true);
+        f.panel->SyncLayers(nullptr, true);
+        QCOMPARE(f.visibleRows(), 0);
     }
 
     void rowTexts_data()
@@ -262,19 +221,14 @@ private slots:
         QTest::addColumn<QString>("power");
         QTest::addColumn<QString>("powerTip");
         QTest::addColumn<QString>("laser");
-        // Line speeds 100 mm/s, fill speeds 250.26; laser 1 powers 55.5 / 12.345678, laser 2 33 / 7.
+        // Line speed 100, powers 55.5 and 33; fill speed 250.26, powers 12.345678 and 7.
         QTest::newRow("cutting, laser 1") << 0 << true << "Cutting" << "100" << "100.0" << "55.5" << "55.5" << "Fiber";
-        QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0" << "33"
-                                          << "Semiconductor laser";
-        QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250" << "250.3" << "12.3"
-                                                  << "12.3457" << "Fiber";
-        QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3" << "7.0" << "7"
-                                               << "Semiconductor laser";
+        QTest::newRow("scoring, laser 2") << 1 << false << "Scoring" << "100" << "100.0" << "33.0" << "33" << "Semiconductor laser";
+        QTest::newRow("shallow engrave, laser 1") << 2 << true << "Shallow Engrave" << "250" << "250.3" << "12.3" << "12.3457" << "Fiber";
+        QTest::newRow("deep engrave, laser 2") << 3 << false << "Deep Engrave" << "250" << "250.3" << "7.0" << "7" << "Semiconductor laser";
         QTest::newRow("mark") << 4 << false << "Mark" << "/" << "/" << "/" << "/" << "Fiber";
-        QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3" << "12.3457"
-                                             << "Fiber";
-        QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0" << "7"
-                                              << "Semiconductor laser";
+        QTest::newRow("garbage work type 9") << 9 << true << "Unknow" << "250" << "250.3" << "12.3" << "12.3457" << "Fiber";
+        QTest::newRow("garbage work type -1") << -1 << false << "Unknow" << "250" << "250.3" << "7.0" << "7" << "Semiconductor laser";
     }
 
     void rowTexts()
@@ -297,18 +251,18 @@ private slots:
         f.sync();
 
         QCOMPARE(f.visibleRows(), 1);
-        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
+        QCOMPARE(f.number(0), QStringLiteral("01"));
         QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), mode);
-        if (mode != QLatin1String("Unknow"))
-            QCOMPARE(f.combo(0, COL_MODE)->currentText(), mode);
+        // What the cell paints: the chosen item, or the placeholder when none is.
+        QComboBox *combo = f.combo(0, COL_MODE);
+        QCOMPARE(combo->currentIndex() < 0 ? combo->placeholderText() : combo->currentText(), mode);
         QTEST(f.editor(0, COL_SPEED)->text(), "speed");
         QTEST(f.tip(0, COL_SPEED), "speedTip");
         QTEST(f.editor(0, COL_POWER)->text(), "power");
         QTEST(f.tip(0, COL_POWER), "powerTip");
         QCOMPARE(f.editor(0, COL_SPEED)->isEnabled(), workType != WORK_MARK);
         QCOMPARE(f.editor(0, COL_POWER)->isEnabled(), workType != WORK_MARK);
-        QCOMPARE(f.table->item(0, COL_TYPE)->text(), laser);
-        QCOMPARE(f.table->item(0, COL_TYPE)->toolTip(), laser);
+        QCOMPARE(f.text(0, COL_TYPE) + f.table->item(0, COL_TYPE)->toolTip(), laser + laser);
         QCOMPARE(f.table->item(0, COL_TYPE)->textAlignment(), int(Qt::AlignCenter));
         QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("Low"));
         QCOMPARE(f.table->item(0, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>(), static_cast<void *>(layer));
@@ -334,7 +288,7 @@ private slots:
         PanelFixture f(factory);
         addLayer(*f.manager, 0x123456);
         f.sync();
-        QTEST(f.table->item(0, COL_TYPE)->text(), "laser");
+        QTEST(f.text(0, COL_TYPE), "laser");
     }
 
     void translatedTexts()
@@ -350,9 +304,10 @@ private slots:
                 QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
             QCOMPARE(f.combo(0, COL_MODE)->currentText(), QStringLiteral("切割"));
             QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("强"));
-            QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("光纤"));
+            QCOMPARE(f.text(0, COL_TYPE), QStringLiteral("光纤"));
             QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), QStringLiteral("切割"));
             QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), QStringLiteral("Unknow"));
+            QCOMPARE(f.combo(1, COL_MODE)->placeholderText(), QStringLiteral("Unknow"));
             f.panel->SetDualLaser(true);
             QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("类型⥮"));
             // The language change touched no layer.
@@ -361,7 +316,7 @@ private slots:
         }
         QCOMPARE(f.table->horizontalHeaderItem(COL_NUM)->text(), QStringLiteral("Num"));
         QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
-        QCOMPARE(f.table->item(0, COL_TYPE)->text(), QStringLiteral("Fiber"));
+        QCOMPARE(f.text(0, COL_TYPE), QStringLiteral("Fiber"));
     }
 
     void paletteNumbers_data()
@@ -393,76 +348,56 @@ private slots:
         f.sync();
         QCOMPARE(layer->AUX_INDEX, number);
         QCOMPARE(f.colorButton(0)->text(), CLayerNumberWidget::NumberText(number));
-        QCOMPARE(f.colorButton(0)->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(%1);color:rgb(%2)}")
-                                                     .arg(rgb, blackInk ? "0,0,0" : "255,255,255"));
+        QCOMPARE(f.colorButton(0)->styleSheet(),
+                 QStringLiteral("QPushButton{background-color:rgb(%1);color:rgb(%2)}").arg(rgb, blackInk ? "0,0,0" : "255,255,255"));
         QCOMPARE(f.colorButton(0)->toolTip(), QStringLiteral("01"));
     }
 
-    void uniqueNumbersFrom37()
+    void uniqueNumbers()
     {
         PanelFixture f;
         addLayer(*f.manager, StandardLayerColor(1, false));
         for (int i = 0; i < 20; ++i)
             addLayer(*f.manager, plainColor(i));
         f.sync();
-        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 2);
-        for (int i = 0; i < 20; ++i)
-            QCOMPARE(f.manager->GetLayerAt(quint32(i + 1))->AUX_INDEX, 37 + i);
+        // From 37 upward; letters run on into small letters and Roman numerals.
+        QCOMPARE(f.numbers().mid(0, 3), (QList<int>{2, 37, 38}));
+        QCOMPARE(f.numbers().last(), 56);
         const QStringList letters = f.letters();
         QCOMPARE((QStringList{letters.at(0), letters.at(1), letters.at(16), letters.at(17), letters.at(20)}),
                  (QStringList{"B", "k", "z", "I", "IV"}));
-        QCOMPARE(f.numberLabel(20)->text(), QStringLiteral("21"));
-    }
+        QCOMPARE(f.number(20), QStringLiteral("21"));
 
-    void uniqueNumbersKeepStored()
-    {
-        PanelFixture f;
+        // While the list grows a layer keeps a stored number no other holds; the first
+        // of two 40s moves to the lowest free number, and -1 takes the next.
+        PanelFixture g;
         const int stored[] = {40, 40, -1, 37, 38};
         for (int i = 0; i < 5; ++i)
-            addLayer(*f.manager, plainColor(i))->AUX_INDEX = stored[i];
-        f.sync();
-        // The first 40 is shared, so it moves to the lowest free number; the second keeps it;
-        // 37 and 38 are held, so -1 gets 41.
-        const int expected[] = {39, 40, 41, 37, 38};
-        for (int i = 0; i < 5; ++i)
-            QCOMPARE(f.manager->GetLayerAt(quint32(i))->AUX_INDEX, expected[i]);
+            addLayer(*g.manager, plainColor(i))->AUX_INDEX = stored[i];
+        g.sync();
+        QCOMPARE(g.numbers(), (QList<int>{39, 40, 41, 37, 38}));
+        // Later refills without new layers keep whatever is stored; a new layer renumbers.
+        g.manager->GetLayerAt(0)->AUX_INDEX = 40;
+        g.sync();
+        QCOMPARE(g.colorButton(0)->text(), QStringLiteral("n"));
+        addLayer(*g.manager, plainColor(99));
+        g.sync();
+        QCOMPARE(g.numbers(), (QList<int>{39, 40, 41, 37, 38, 42}));
 
-        // Later refills without new layers keep whatever is stored.
-        f.manager->GetLayerAt(0)->AUX_INDEX = 40;
-        f.sync();
-        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 40);
-        QCOMPARE(f.colorButton(0)->text(), QStringLiteral("n"));
-
-        // A new layer renumbers the duplicates.
-        addLayer(*f.manager, plainColor(9));
-        f.sync();
-        QCOMPARE(f.manager->GetLayerAt(0)->AUX_INDEX, 39);
-        QCOMPARE(f.manager->GetLayerAt(5)->AUX_INDEX, 42);
+        // A special layer joins the list after the panel was told; the next refill shows
+        // it with a number of its own.
+        PanelFixture h;
+        h.update({plainColor(0), kReservedColorA, StandardLayerColor(1, false)});
+        QCOMPARE(h.manager->GetLayerCount(), 3u);
+        QCOMPARE(h.visibleRows(), 2);
+        h.panel->SetDualLaser(true);
+        QCOMPARE(h.visibleRows(), 3);
+        QCOMPARE(h.manager->GetLayerAt(2)->COLOR, kReservedColorA);
+        QCOMPARE(h.numbers(), (QList<int>{37, 2, 38}));
+        QCOMPARE(h.colorButton(2)->text(), QStringLiteral("l"));
     }
 
-    void heldBackSpecialLayerGetsNumber()
-    {
-        PanelFixture f;
-        g_pLayerPanel = f.panel.get();
-        CShapeList shapes;
-        for (quint32 color : {plainColor(0), quint32(kReservedColorA), StandardLayerColor(1, false)})
-            shapes.AddTail(new CShape(color));
-        f.manager->UpdateLayers(&shapes);
-        // The special layer joins the list after the panel was told.
-        QCOMPARE(f.manager->GetLayerCount(), 3u);
-        QCOMPARE(f.visibleRows(), 2);
-        QCOMPARE(f.manager->GetLayerByColor(kReservedColorA)->AUX_INDEX, -1);
-
-        // The next refill shows it, with a number of its own.
-        f.panel->SetDualLaser(true);
-        QCOMPARE(f.visibleRows(), 3);
-        QCOMPARE(f.manager->GetLayerAt(2)->COLOR, kReservedColorA);
-        QCOMPARE(f.manager->GetLayerAt(2)->AUX_INDEX, 38);
-        QCOMPARE(f.colorButton(2)->text(), QStringLiteral("l"));
-        QCOMPARE(f.manager->GetLayerByColor(plainColor(0))->AUX_INDEX, 37);
-    }
-
-    void rowGrowthAndSpareRows()
+    void rowsFollowTheList()
     {
         PanelFixture f;
         for (int i = 0; i < 11; ++i)
@@ -471,34 +406,26 @@ private slots:
         QCOMPARE(f.table->rowCount(), 14);
         for (int row = 0; row < 14; ++row)
             QCOMPARE(f.table->isRowHidden(row), row >= 11);
-        QCOMPARE(f.numberLabel(10)->text(), QStringLiteral("11"));
+        QCOMPARE(f.number(10), QStringLiteral("11"));
+        QVERIFY(!f.panel->HasRowWidgets(12));
+        QVERIFY(!(f.table->item(12, COL_TYPE)->flags() & Qt::ItemIsEditable));
+
+        // Unchanged layers leave the rows alone; a change or a forced sync refills.
+        f.cell(0, COL_NUM)->findChild<QLabel *>()->setText(QStringLiteral("xx"));
+        f.sync();
+        QCOMPARE(f.number(0), QStringLiteral("xx"));
+        f.manager->GetLayerAt(0)->CUT.CUT_SPEED = 42.0;
+        f.sync();
+        QCOMPARE(f.number(0) + f.editor(0, COL_SPEED)->text(), QStringLiteral("0142"));
+        f.cell(0, COL_NUM)->findChild<QLabel *>()->setText(QStringLiteral("yy"));
+        f.sync(true);
+        QCOMPARE(f.number(0), QStringLiteral("01"));
 
         // Fewer layers hide rows but never delete them, nor keep their layers.
-        CShapeList shapes;
-        for (int i = 0; i < 3; ++i)
-            shapes.AddTail(new CShape(plainColor(i)));
-        g_pLayerPanel = f.panel.get();
-        f.manager->UpdateLayers(&shapes);
+        f.update({plainColor(0), plainColor(1), plainColor(2)});
         QCOMPARE(f.table->rowCount(), 14);
         QCOMPARE(f.visibleRows(), 3);
         QVERIFY(!f.table->item(5, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>());
-    }
-
-    void syncRefillsOnlyOnChange()
-    {
-        PanelFixture f;
-        CLayerParam *layer = addLayer(*f.manager, plainColor(1));
-        f.sync();
-        f.numberLabel(0)->setText(QStringLiteral("xx"));
-        f.sync();
-        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("xx"));
-        layer->CUT.CUT_SPEED = 42.0;
-        f.sync();
-        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
-        QCOMPARE(f.editor(0, COL_SPEED)->text(), QStringLiteral("42"));
-        f.numberLabel(0)->setText(QStringLiteral("yy"));
-        f.sync(true);
-        QCOMPARE(f.numberLabel(0)->text(), QStringLiteral("01"));
     }
 
     void speedsInUnitModes_data()
@@ -540,32 +467,26 @@ private slots:
         f.sync();
         QVERIFY(f.show());
         QHeaderView *header = f.table->horizontalHeader();
-        const QPoint typeHeader(header->sectionViewportPosition(COL_TYPE) + 5, header->height() / 2);
-        auto clickType = [&] { QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier, typeHeader); };
-        auto typeShown = [&f] {
-            return QStringList{f.table->item(0, COL_TYPE)->text(), f.table->item(1, COL_TYPE)->text()};
+        auto clickType = [&] {
+            QTest::mouseClick(header->viewport(), Qt::LeftButton, Qt::NoModifier,
+                              QPoint(header->sectionViewportPosition(COL_TYPE) + 5, header->height() / 2));
         };
-        const QStringList fiberFirst{"Fiber", "Glass"};
-        const QStringList rfFirst{"Glass", "Fiber"};
-        QCOMPARE(typeShown(), fiberFirst);
+        auto types = [&f]() -> QString { return f.text(0, COL_TYPE) + QLatin1Char(',') + f.text(1, COL_TYPE); };
         clickType();
-        QCOMPARE(typeShown(), fiberFirst);
+        QCOMPARE(types(), QStringLiteral("Fiber,Glass"));
         QVERIFY(f.host.calls.isEmpty());
-        QVERIFY(f.panel->TypeToggle());
 
         f.panel->SetDualLaser(true);
         QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
         clickType();
-        QCOMPARE(typeShown(), rfFirst);
+        QCOMPARE(types(), QStringLiteral("Glass,Fiber"));
         QCOMPARE(f.host.calls, (QStringList{"LayerEvent 0", "RefreshView"}));
         QVERIFY(!f.manager->FiberFirst());
-        // Other headers do nothing.
-        header->sectionClicked(COL_SPEED);
-        QCOMPARE(typeShown(), rfFirst);
+        header->sectionClicked(COL_SPEED); // other headers do nothing
+        QCOMPARE(types(), QStringLiteral("Glass,Fiber"));
         clickType();
-        QCOMPARE(typeShown(), fiberFirst);
+        QCOMPARE(types(), QStringLiteral("Fiber,Glass"));
         QCOMPARE(f.host.calls.size(), 4);
-
         f.panel->SetDualLaser(false);
         QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QStringLiteral("Type"));
     }
@@ -605,8 +526,7 @@ private slots:
             QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, row2);
             QCOMPARE(f.env.logLines().size(), 2);
         }
-        QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier,
-                          QPoint(10, f.table->viewport()->height() - 5));
+        QTest::mousePress(f.table->viewport(), Qt::RightButton, Qt::NoModifier, QPoint(10, f.table->viewport()->height() - 5));
         QCOMPARE(f.panel->CurrentRow(), 2);
         QCOMPARE(f.host.calls, QStringList{"CurrentLayerChanged"});
     }
@@ -617,16 +537,14 @@ private slots:
         QVERIFY(f.withLayers(3));
         f.env.clearLog();
         QTest::mouseClick(f.eye(1), Qt::LeftButton);
-        QVERIFY(!f.manager->GetLayerAt(1)->OUTPUT);
-        QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
+        QVERIFY(!f.manager->GetLayerAt(1)->OUTPUT && f.manager->GetLayerAt(0)->OUTPUT);
         QCOMPARE(eyeIcon(f.eye(1)), QStringLiteral("LayerCloseEye"));
         QVERIFY(!f.eye(1)->isChecked());
         QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
         QCOMPARE(f.env.logLines(), (QStringList{"0|pushButton_layerEye was clicked.", "1|clicke index 1,6"}));
         QTest::mouseClick(f.eye(1), Qt::LeftButton);
-        QVERIFY(f.manager->GetLayerAt(1)->OUTPUT);
+        QVERIFY(f.manager->GetLayerAt(1)->OUTPUT && f.eye(1)->isChecked());
         QCOMPARE(eyeIcon(f.eye(1)), QStringLiteral("LayerEye"));
-        QVERIFY(f.eye(1)->isChecked());
 
         // The host asks the manager; the panel's rows follow its answer.
         QList<quint32> off;
@@ -642,39 +560,39 @@ private slots:
         QVERIFY(f.manager->GetLayerAt(2)->OUTPUT);
         QCOMPARE(eyeIcon(f.eye(2)), QStringLiteral("LayerEye"));
         QCOMPARE(f.host.calls, (QStringList{"CurrentLayerChanged", "LayersChanged"}));
-    }
 
-    void missingItemIsLogged()
-    {
-        PanelFixture f;
-        QVERIFY(f.withLayers(1));
+        // A row that lost its layer item is logged and left alone.
         delete f.table->takeItem(0, COL_MODE);
         f.env.clearLog();
+        f.host.calls.clear();
         QTest::mouseClick(f.eye(0), Qt::LeftButton);
         QVERIFY(f.env.logLines().contains(QStringLiteral("3|787 item null !!!")));
         QVERIFY(f.manager->GetLayerAt(0)->OUTPUT);
         QVERIFY(f.host.calls.isEmpty());
-        f.panel->RefreshSpeeds();
-        QCOMPARE(f.panel->CurrentLayerColor(), plainColor(0));
     }
 
-    void modeEdit_data()
+    void modeAndAirEdit_data()
     {
         QTest::addColumn<bool>("fillLocked");
         QTest::addColumn<int>("before");
+        QTest::addColumn<int>("column");
         QTest::addColumn<QString>("choice");
         QTest::addColumn<int>("after");
         QTest::addColumn<QString>("speed");
-        QTest::newRow("cutting to mark") << false << 0 << "Mark" << 4 << "/";
-        QTest::newRow("mark to scoring") << false << 4 << "Scoring" << 1 << "10";
-        QTest::newRow("cutting to shallow engrave") << false << 0 << "Shallow Engrave" << 2 << "20";
-        QTest::newRow("locked fill to deep engrave") << true << 2 << "Deep Engrave" << 3 << "20";
+        QTest::addColumn<QStringList>("calls");
+        const QStringList modeCalls{"LayersChanged", "LayerEvent 2", "RefreshView"};
+        QTest::newRow("cutting to mark") << false << 0 << int(COL_MODE) << "Mark" << 4 << "/" << modeCalls;
+        QTest::newRow("mark to scoring") << false << 4 << int(COL_MODE) << "Scoring" << 1 << "10" << modeCalls;
+        QTest::newRow("cutting to shallow engrave") << false << 0 << int(COL_MODE) << "Shallow Engrave" << 2 << "20" << modeCalls;
+        QTest::newRow("locked fill to deep engrave") << true << 2 << int(COL_MODE) << "Deep Engrave" << 3 << "20" << modeCalls;
+        QTest::newRow("air off") << false << 0 << int(COL_AIR) << "Low" << 0 << "10" << QStringList{"LayersChanged"};
     }
 
-    void modeEdit()
+    void modeAndAirEdit()
     {
         QFETCH(bool, fillLocked);
         QFETCH(int, before);
+        QFETCH(int, column);
         QFETCH(QString, choice);
         QFETCH(int, after);
         PanelFixture f;
@@ -685,16 +603,20 @@ private slots:
         layer->SWEEP.SWEEP_SPEED = 20;
         f.sync();
         QCOMPARE(f.combo(1, COL_MODE)->count(), fillLocked ? 2 : 5);
+        QCOMPARE(f.combo(1, COL_AIR)->currentText(), QStringLiteral("High"));
 
-        f.combo(1, COL_MODE)->setCurrentText(choice);
+        f.combo(1, column)->setCurrentText(choice);
         QCOMPARE(layer->WORK_TYPE, after);
         QCOMPARE(f.panel->ScratchLayer().WORK_TYPE, before);
-        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), choice);
+        QCOMPARE(layer->BLOW, column != COL_AIR);
+        QVERIFY(f.panel->ScratchLayer().BLOW);
+        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), CLayerModeWidget::WorkTypeName(after));
         QTEST(f.editor(1, COL_SPEED)->text(), "speed");
         QCOMPARE(f.editor(1, COL_SPEED)->isEnabled(), after != WORK_MARK);
         QCOMPARE(f.editor(1, COL_POWER)->isEnabled(), after != WORK_MARK);
-        QCOMPARE(f.host.calls, (QStringList{"LayersChanged", "LayerEvent 2", "RefreshView"}));
+        QTEST(f.host.calls, "calls");
         QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+        QVERIFY(f.manager->GetLayerAt(0)->BLOW);
     }
 
     void valueEdit_data()
@@ -705,15 +627,18 @@ private slots:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<double>("speed");
         QTest::addColumn<double>("power");
+        QTest::addColumn<QString>("shown");
         // Stored before: line speed 12.25, fill speed 30, all powers 20.
-        QTest::newRow("cutting speed") << 0 << 1 << int(COL_SPEED) << "120" << 120.0 << 20.0;
-        QTest::newRow("scoring power") << 1 << 1 << int(COL_POWER) << "45.5" << 12.25 << 45.5;
-        QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0;
-        QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5;
-        QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0;
-        QTest::newRow("garbage speed above range refused") << 0 << 1 << int(COL_SPEED) << "5000" << 12.25 << 20.0;
-        QTest::newRow("garbage power above range refused") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 20.0;
-        QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25 << 20.0;
+        QTest::newRow("cutting speed") << 0 << 1 << int(COL_SPEED) << "120" << 120.0 << 20.0 << "120";
+        QTest::newRow("scoring power") << 1 << 1 << int(COL_POWER) << "45.5" << 12.25 << 45.5 << "45.5";
+        QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0 << "80";
+        QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5 << "9.5";
+        QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0 << "600";
+        QTest::newRow("garbage speed above range corrected") << 0 << 1 << int(COL_SPEED) << "5000" << 3000.0 << 20.0 << "3000";
+        QTest::newRow("garbage power above range corrected") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 100.0 << "100.0";
+        QTest::newRow("garbage power below range corrected") << 2 << 1 << int(COL_POWER) << "0" << 30.0 << 0.1 << "0.1";
+        QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25 << 20.0 << "12";
+        QTest::newRow("garbage work type keeps its values") << 7 << 1 << int(COL_POWER) << "50" << 30.0 << 20.0 << "20.0";
     }
 
     void valueEdit()
@@ -739,26 +664,13 @@ private slots:
         QTest::keyClicks(edit, typed);
         QTest::keyClick(edit, Qt::Key_Return);
 
-        const bool line = workType <= WORK_SCORING;
+        const bool line = workType == WORK_CUTTING || workType == WORK_SCORING;
         QCOMPARE(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, speed);
         QCOMPARE(line ? layer->CUT.LASER1.POWER_MAX : layer->SWEEP.LASER1.POWER_MAX, power);
         QCOMPARE(line ? layer->CUT.LASER2.POWER_MAX : layer->SWEEP.LASER2.POWER_MAX, power);
-        // The other process block is left alone.
+        // The other process block is left alone; the field shows what the layer holds.
         QCOMPARE(line ? layer->SWEEP.LASER1.POWER_MAX : layer->CUT.LASER1.POWER_MAX, 20.0);
-    }
-
-    void airEdit()
-    {
-        PanelFixture f;
-        CLayerParam *layer = addLayer(*f.manager, plainColor(0));
-        f.sync();
-        QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("High"));
-        f.combo(0, COL_AIR)->setCurrentText(QStringLiteral("Low"));
-        QVERIFY(!layer->BLOW);
-        QVERIFY(f.panel->ScratchLayer().BLOW);
-        QCOMPARE(f.host.calls, QStringList{"LayersChanged"});
-        f.combo(0, COL_AIR)->setCurrentIndex(0);
-        QVERIFY(layer->BLOW);
+        QTEST(edit->text(), "shown");
     }
 
     void destroyedWhileEditing()
@@ -779,24 +691,10 @@ private slots:
         QVERIFY(f.host.calls.isEmpty());
     }
 
-    void wheelOverModeKeepsLayer()
-    {
-        PanelFixture f;
-        QVERIFY(f.withLayers(30, WORK_SCORING));
-        QComboBox *combo = f.combo(1, COL_MODE);
-        const QPointF pos(combo->width() / 2.0, combo->height() / 2.0);
-        QWheelEvent wheel(pos, combo->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(combo, &wheel);
-        QCOMPARE(f.manager->GetLayerAt(1)->WORK_TYPE, int(WORK_SCORING));
-        QVERIFY(f.table->verticalScrollBar()->value() > 0);
-        QVERIFY(f.host.calls.isEmpty());
-    }
-
     void dragReordersLayers()
     {
         PanelFixture f;
-        QVERIFY(f.withStandardLayers(5));
+        QVERIFY(f.withLayers(5, true));
         QCOMPARE(f.letters(), (QStringList{"B", "C", "D", "E", "F"}));
         const QPoint from = f.centre(0, COL_TYPE);
         QTest::mousePress(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
@@ -813,32 +711,18 @@ private slots:
 
         QCOMPARE(f.manager->GetLayerAt(4)->COLOR, StandardLayerColor(1, false));
         QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
-        QCOMPARE(f.numberLabel(4)->text(), QStringLiteral("05"));
+        QCOMPARE(f.number(4), QStringLiteral("05"));
         QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
         QVERIFY(f.selected(4));
-
         f.panel->MoveLayerSlot(-1, 2);
         f.panel->MoveLayerSlot(1, 7);
         QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
     }
 
-    void withoutManagerNothingHappens()
-    {
-        DlgLayerMgr lonely;
-        lonely.MoveLayerSlot(0, 1);
-        lonely.HorzHeaderClickedSlot(4);
-        lonely.SelectPendingColors();
-        lonely.RefreshSpeeds();
-        lonely.SetDualLaser(true);
-        lonely.SyncLayers(nullptr, true);
-        QCOMPARE(lonely.CurrentLayerColor(), 0u);
-    }
-
     void doubleClickOpensLibraryDialog_data()
     {
-        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("answer"); // -1: the host gave no dialog
         QTest::addColumn<bool>("onButton");
-        // answer -1: the host gave no dialog.
         QTest::newRow("accepted from row") << 1 << false;
         QTest::newRow("cancelled from row") << 0 << false;
         QTest::newRow("accepted from colour button") << 1 << true;
@@ -850,7 +734,7 @@ private slots:
         QFETCH(int, answer);
         QFETCH(bool, onButton);
         PanelFixture f;
-        QVERIFY(f.withStandardLayers(3));
+        QVERIFY(f.withLayers(3, true));
         LayerLibraryRequest seen;
         int opened = 0;
         if (answer >= 0) {
@@ -864,28 +748,33 @@ private slots:
         }
         f.host.calls.clear();
         f.env.clearLog();
-        if (onButton)
+        if (onButton) {
+            QTest::mouseClick(f.colorButton(1), Qt::LeftButton);
+            QCOMPARE(opened, 0);
             QTest::mouseDClick(f.colorButton(1), Qt::LeftButton);
-        else
-            doubleClick(f.table->viewport(), f.centre(1, COL_TYPE));
-
+        } else {
+            // As a window system delivers it: press, release, double click, release.
+            const QPoint pos = f.centre(1, COL_TYPE);
+            QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, pos);
+            QTest::mouseDClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, pos);
+            QTest::mouseRelease(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, pos);
+        }
         QCOMPARE(f.panel->CurrentRow(), 1);
         const bool accepted = answer == 1;
         QCOMPARE(QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))), accepted);
         QCOMPARE(f.host.calls.count(QStringLiteral("LayersChanged")), accepted ? 1 : 0);
         QCOMPARE(f.editor(1, COL_SPEED)->text(), accepted ? QStringLiteral("77") : QStringLiteral("1"));
-        if (answer < 0) {
-            QVERIFY(linesOfLevel(f.env.logLines(), 0).contains("tableWidget item was double clicked."));
-            QCOMPARE(f.panel->ScratchLayer(), *f.manager->GetLayerAt(1));
-            return;
+        QVERIFY(linesOfLevel(f.env.logLines(), 0).contains("tableWidget item was double clicked."));
+        QCOMPARE(f.panel->ScratchLayer().COLOR, StandardLayerColor(2, false));
+        QCOMPARE(opened, answer < 0 ? 0 : 1);
+        if (answer >= 0) {
+            QCOMPARE(seen.row, 1);
+            QCOMPARE(seen.parent, static_cast<QWidget *>(f.panel.get()));
+            QCOMPARE(seen.manager, f.manager.get());
+            QCOMPARE(seen.host, static_cast<ILayerHost *>(&f.host));
+            QCOMPARE(seen.layer->COLOR, StandardLayerColor(2, false));
+            QCOMPARE(seen.numberTexts, (QStringList{"B", "C", "D"}));
         }
-        QCOMPARE(opened, 1);
-        QCOMPARE(seen.row, 1);
-        QCOMPARE(seen.parent, static_cast<QWidget *>(f.panel.get()));
-        QCOMPARE(seen.manager, f.manager.get());
-        QCOMPARE(seen.host, static_cast<ILayerHost *>(&f.host));
-        QCOMPARE(seen.layer->COLOR, StandardLayerColor(2, false));
-        QCOMPARE(seen.numberTexts, (QStringList{"B", "C", "D"}));
     }
 
     void selectPendingColors_data()
@@ -942,13 +831,7 @@ private slots:
     {
         PanelFixture f;
         constexpr int count = 10000;
-        for (int i = 0; i < count; ++i)
-            addLayer(*f.manager, plainColor(i), i % 5);
-        QVERIFY(f.show());
-        QElapsedTimer timer;
-        timer.start();
-        f.sync();
-        const qint64 created = timer.restart();
+        QVERIFY(f.withLayers(count));
         QCOMPARE(f.table->rowCount(), 13000);
         QCOMPARE(f.visibleRows(), count);
         QCOMPARE(f.manager->GetLayerAt(count - 1)->AUX_INDEX, 37 + count - 1);
@@ -959,36 +842,30 @@ private slots:
             return rows;
         };
         // Only the rows near the visible part carry cell widgets.
-        QVERIFY(f.panel->HasRowWidgets(0));
-        QVERIFY(!f.panel->HasRowWidgets(count / 2));
-        QVERIFY(rowsWithWidgets() < 200);
+        QVERIFY(f.panel->HasRowWidgets(0) && !f.panel->HasRowWidgets(count / 2));
+        QVERIFY(rowsWithWidgets() < 60);
 
         f.table->scrollToBottom();
         QApplication::processEvents();
-        const qint64 scrolled = timer.restart();
-        QVERIFY(f.panel->HasRowWidgets(count - 1));
-        QVERIFY(rowsWithWidgets() < 200);
+        QVERIFY(f.panel->HasRowWidgets(count - 1) && !f.panel->HasRowWidgets(0));
+        QVERIFY(rowsWithWidgets() < 60);
         QCOMPARE(f.table->rowAt(f.table->viewport()->height() - 2), count - 1);
-        QCOMPARE(f.numberLabel(count - 1)->text(), QString::number(count));
+        QCOMPARE(f.number(count - 1), QString::number(count));
 
         // A row far down is edited like any other once it is in view.
         f.table->scrollToItem(f.table->item(5000, COL_TYPE), QAbstractItemView::PositionAtCenter);
         QApplication::processEvents();
         QVERIFY(!f.panel->HasRowWidgets(count - 1));
-        QCOMPARE(f.numberLabel(5000)->text(), QStringLiteral("5001"));
+        QCOMPARE(f.number(5000), QStringLiteral("5001"));
         f.combo(5000, COL_MODE)->setCurrentText(QStringLiteral("Mark"));
         QCOMPARE(f.manager->GetLayerAt(5000)->WORK_TYPE, int(WORK_MARK));
         QCOMPARE(f.editor(5000, COL_SPEED)->text(), QStringLiteral("/"));
-        timer.restart();
         f.sync(true);
-        const qint64 refilled = timer.restart();
         g_LayerContext.m_unitMode = 3;
         f.panel->RefreshSpeeds();
-        const qint64 speeds = timer.elapsed();
+        f.table->scrollToTop();
+        QApplication::processEvents();
         QCOMPARE(f.tip(0, COL_SPEED), QStringLiteral("60.0"));
-        qInfo("%d layers: rows made and filled in %lld ms, scrolled to the end in %lld ms, refilled in %lld ms, "
-              "speeds in %lld ms",
-              count, created, scrolled, refilled, speeds);
     }
 };
 

@@ -103,17 +103,6 @@ class tst_TableWidgetUpDown : public QObject
     Q_OBJECT
 
 private slots:
-    void initialState()
-    {
-        TestEnvironment env;
-        CTableWidgetUpDown table;
-        QCOMPARE(state(table), QStringLiteral("Moved"));
-        QCOMPARE(table.dragDropMode(), QAbstractItemView::DragDrop);
-        QVERIFY(table.showDropIndicator());
-        QCOMPARE(table.selectionBehavior(), QAbstractItemView::SelectRows);
-        QVERIFY(!table.IsAutoScrolling());
-    }
-
     void dragAndDrop_data()
     {
         QTest::addColumn<int>("from");
