@@ -9,8 +9,7 @@ namespace smalldialogs {
 
 // Runs `act` on the modal widget of type T as soon as one shows; the poll
 // dies with `context`, so a box that never came leaves nothing behind.
-template<typename T>
-void whenModal(QObject *context, std::function<void(T *)> act)
+template <typename T> void whenModal(QObject *context, std::function<void(T *)> act)
 {
     auto *poll = new QTimer(context);
     QObject::connect(poll, &QTimer::timeout, poll, [poll, act] {

@@ -39,8 +39,7 @@ private slots:
 
 namespace {
 
-template<typename T>
-T *child(QWidget *dialog, const char *name)
+template <typename T> T *child(QWidget *dialog, const char *name)
 {
     return dialog->findChild<T *>(QLatin1String(name));
 }
@@ -61,12 +60,24 @@ void tst_LibraryDialogs::powerInput_data()
     QTest::addColumn<int>("result");
     QTest::addColumn<int>("value");
 
-    QTest::newRow("typed power") << "250" << "pushButton_ok" << "250" << 1 << 250;
-    QTest::newRow("empty field gives 0") << "" << "pushButton_ok" << "" << 1 << 0;
-    QTest::newRow("four digits cannot be typed") << "1000" << "pushButton_ok" << "100" << 1 << 100;
-    QTest::newRow("letters cannot be typed") << "4x5" << "pushButton_ok" << "45" << 1 << 45;
-    QTest::newRow("below the range corrected") << "0" << "pushButton_ok" << "0" << 1 << 1;
-    QTest::newRow("cancel keeps the preset") << "250" << "pushButton_cancel" << "250" << 0 << 80;
+    QTest::newRow("typed power") << "250"
+                                 << "pushButton_ok"
+                                 << "250" << 1 << 250;
+    QTest::newRow("empty field gives 0") << ""
+                                         << "pushButton_ok"
+                                         << "" << 1 << 0;
+    QTest::newRow("four digits cannot be typed") << "1000"
+                                                 << "pushButton_ok"
+                                                 << "100" << 1 << 100;
+    QTest::newRow("letters cannot be typed") << "4x5"
+                                             << "pushButton_ok"
+                                             << "45" << 1 << 45;
+    QTest::newRow("below the range corrected") << "0"
+                                               << "pushButton_ok"
+                                               << "0" << 1 << 1;
+    QTest::newRow("cancel keeps the preset") << "250"
+                                             << "pushButton_cancel"
+                                             << "250" << 0 << 80;
 }
 
 void tst_LibraryDialogs::powerInput()
@@ -150,11 +161,15 @@ void tst_LibraryDialogs::addMaterialOk_data()
     QTest::addColumn<QString>("tip");
     QTest::addColumn<double>("stored");
 
-    QTest::newRow("both empty: only the name tip")
-        << "" << "" << "The material name cannot be empty" << 0.0;
-    QTest::newRow("empty thickness") << "Oak" << "" << "The material thickness cannot be empty"
-                                     << 0.0;
-    QTest::newRow("accepted") << "Oak" << "4.5" << "" << 4.5;
+    QTest::newRow("both empty: only the name tip") << ""
+                                                   << ""
+                                                   << "The material name cannot be empty" << 0.0;
+    QTest::newRow("empty thickness") << "Oak"
+                                     << ""
+                                     << "The material thickness cannot be empty" << 0.0;
+    QTest::newRow("accepted") << "Oak"
+                              << "4.5"
+                              << "" << 4.5;
 }
 
 void tst_LibraryDialogs::addMaterialOk()
@@ -195,9 +210,9 @@ void tst_LibraryDialogs::addMaterialCrafts_data()
     QTest::addColumn<QString>("crafts");
 
     QTest::newRow("glass: five crafts")
-        << 0 << true
-        << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
-        << "checkBox_trc" << "cut deep shallow vision";
+        << 0 << true << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
+        << "checkBox_trc"
+        << "cut deep shallow vision";
     QTest::newRow("semiconductor: four, deep one is Fill")
         << 4 << false << QStringList{"Cutting", "Scoring", "Fill", "Mark"} << "checkBox_vision"
         << "cut trc deep";
@@ -238,7 +253,8 @@ void tst_LibraryDialogs::addMaterialCrafts()
         result << "vision";
     QCOMPARE(result.join(QLatin1Char(' ')), crafts);
     QVERIFY(env.logLines().contains(
-        QStringLiteral("0|%1 was clicked.").arg(clicked == "checkBox_vision" ? "checkBox_Vision" : clicked)));
+        QStringLiteral("0|%1 was clicked.")
+            .arg(clicked == "checkBox_vision" ? "checkBox_Vision" : clicked)));
 }
 
 void tst_LibraryDialogs::addMaterialIcon()
@@ -256,7 +272,8 @@ void tst_LibraryDialogs::addMaterialIcon()
     image.fill(Qt::darkYellow);
     QVERIFY(image.save(picture));
     QVERIFY(dialog.LoadIcon(picture));
-    QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{border-image: url(%1)}").arg(picture));
+    QCOMPARE(button->styleSheet(),
+             QStringLiteral("QPushButton{border-image: url(%1)}").arg(picture));
 
     const QString text = env.root() + QStringLiteral("/notes.png");
     QVERIFY(env.writeFile(text, "not a picture"));
@@ -267,7 +284,8 @@ void tst_LibraryDialogs::addMaterialIcon()
     });
     QVERIFY(!dialog.LoadIcon(text));
     QCOMPARE(message, QStringLiteral("Tips|Failed to open the image"));
-    QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{border-image: url(%1)}").arg(picture));
+    QCOMPARE(button->styleSheet(),
+             QStringLiteral("QPushButton{border-image: url(%1)}").arg(picture));
     QCOMPARE(dialog.GetIconPath(), picture);
     QCOMPARE(dialog.GetName(), QStringLiteral("Walnut"));
 }
@@ -281,12 +299,16 @@ void tst_LibraryDialogs::addThickness_data()
     QTest::addColumn<double>("stored");
     QTest::addColumn<QString>("label");
 
-    QTest::newRow("inch: 25.4 mm shows 1, 2 stores 50.8")
-        << 0 << 25.4 << "1" << "2" << 50.8 << "Thickness (inch)";
-    QTest::newRow("inch per minute") << 2 << 12.7 << "0.5" << "0.25" << 6.35 << "Thickness (inch)";
-    QTest::newRow("mm: hundredths") << 1 << 3.456 << "3.46" << "4.2" << 4.2 << "Thickness (mm)";
-    QTest::newRow("mm per minute") << 3 << 0.004 << "0" << "12.5" << 12.5 << "Thickness (mm)";
-    QTest::newRow("empty stores 0") << 1 << 3.0 << "3" << "" << 0.0 << "Thickness (mm)";
+    QTest::newRow("inch: 25.4 mm shows 1, 2 stores 50.8") << 0 << 25.4 << "1"
+                                                          << "2" << 50.8 << "Thickness (inch)";
+    QTest::newRow("inch per minute") << 2 << 12.7 << "0.5"
+                                     << "0.25" << 6.35 << "Thickness (inch)";
+    QTest::newRow("mm: hundredths") << 1 << 3.456 << "3.46"
+                                    << "4.2" << 4.2 << "Thickness (mm)";
+    QTest::newRow("mm per minute") << 3 << 0.004 << "0"
+                                   << "12.5" << 12.5 << "Thickness (mm)";
+    QTest::newRow("empty stores 0") << 1 << 3.0 << "3"
+                                    << "" << 0.0 << "Thickness (mm)";
 }
 
 void tst_LibraryDialogs::addThickness()

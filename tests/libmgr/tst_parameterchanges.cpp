@@ -24,7 +24,7 @@ private slots:
 
 namespace {
 
-template<typename Record>
+template <typename Record>
 Comparison compare(QList<QStringList> (*changes)(const Record &, const Record &, bool),
                    std::function<void(Record &, Record &)> edit)
 {
@@ -94,10 +94,9 @@ void tst_ParameterChanges::rows_data()
                b.laser2.endDwellTime = 7;
                b.laser1.dwellOn = true;
            })
-        << true
-        << QStringList{"Max Power-Laser1|0|60",         "Corner Power-Laser2|20|30",
-                       "Laser ON-Laser1|Close|On",      "Start dwell time-Laser1|0|3",
-                       "Start Dwell Time-Laser2|0|5",   "End Dwell Time-Laser2|0|7"};
+        << true << QStringList{"Max Power-Laser1|0|60",       "Corner Power-Laser2|20|30",
+                               "Laser ON-Laser1|Close|On",    "Start dwell time-Laser1|0|3",
+                               "Start Dwell Time-Laser2|0|5", "End Dwell Time-Laser2|0|7"};
     QTest::newRow("sweep: mode, offset direction in lower case, resolution")
         << sweep([](CLibSweepSet &, CLibSweepSet &b) {
                b.dpi = 19;

@@ -156,8 +156,8 @@ void tst_PictureEncoding::materialPicture_data()
     QTest::newRow("absolute file path") << QString() << "<absolute>" << QSize(6, 6);
     QTest::newRow("garbage base64 falls back to the path")
         << QStringLiteral("!!not base64!!") << "/Res/Icon/blue.png" << QSize(6, 6);
-    QTest::newRow("garbage base64, no path") << QStringLiteral("bm90IGFuIGltYWdl") << QString()
-                                             << QSize(0, 0);
+    QTest::newRow("garbage base64, no path")
+        << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
     QTest::newRow("missing file") << QString() << "/Res/Icon/none.png" << QSize(0, 0);
     QTest::newRow("nothing") << QString() << QString() << QSize(0, 0);
 }
@@ -188,7 +188,8 @@ void tst_PictureEncoding::materialPicture()
     const QImage image = MaterialPicture(material);
     QCOMPARE(image.size(), shown);
     if (!image.isNull())
-        QCOMPARE(QColor(image.pixel(0, 0)), shown == QSize(8, 4) ? QColor(Qt::red) : QColor(Qt::blue));
+        QCOMPARE(QColor(image.pixel(0, 0)),
+                 shown == QSize(8, 4) ? QColor(Qt::red) : QColor(Qt::blue));
 }
 
 QTEST_GUILESS_MAIN(tst_PictureEncoding)
