@@ -11,6 +11,7 @@
 
 #include <QEvent>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QToolTip>
@@ -55,6 +56,13 @@ DlgLayerAddMaterials::DlgLayerAddMaterials(bool thicknessEditable, int tubeType,
         ui->checkBox_swpShallow->setChecked(false);
         ui->checkBox_swpShallow->hide();
         m_swpShallow = false;
+        // Close the gap the hidden box leaves: Fill takes its place, Mark
+        // moves up beside it.
+        QGridLayout *grid = ui->gridLayout_crafts;
+        grid->removeWidget(ui->checkBox_swpDeep);
+        grid->removeWidget(ui->checkBox_vision);
+        grid->addWidget(ui->checkBox_swpDeep, 1, 0);
+        grid->addWidget(ui->checkBox_vision, 1, 1);
     }
     retranslate();
     LoadIcon(m_iconPath);

@@ -135,23 +135,32 @@ void tst_LibraryDialogs::changeSummary()
     for (int i = 0; i < tree->columnCount(); ++i)
         shownHeaders << tree->headerItem()->text(i);
     QCOMPARE(shownHeaders, headers);
-    QCOMPARE(tree->header()->sectionResizeMode(0), QHeaderView::Stretch);
+    QCOMPARE(tree->header()->sectionResizeMode(tree->columnCount() - 1), QHeaderView::Stretch);
     QCOMPARE(child<QLabel>(&dialog, "label")->text(), label);
     QCOMPARE(dialog.windowTitle(), QStringLiteral("Tips"));
 
-    dialog.AddRow({"01 ", "Speed", "100", "100.5"});
+    const QString caption = QStringLiteral("Use laser dwell mode-Laser2");
+    const int captionColumn = applyToLayers ? 1 : 0;
+    QStringList row{caption, "100", "100.5"};
+    if (applyToLayers)
+        row.prepend(QStringLiteral("01 "));
+    dialog.AddRow(row);
     dialog.AddRow({"Air Assist", "Low"});
     QCOMPARE(dialog.RowCount(), 2);
-    QCOMPARE(tree->topLevelItem(0)->text(3), QStringLiteral("100.5"));
+    QCOMPARE(tree->topLevelItem(0)->text(captionColumn + 2), QStringLiteral("100.5"));
     QCOMPARE(tree->topLevelItem(1)->text(1), QStringLiteral("Low"));
 
-    whenModal<DlgTps>(&dialog, [save](DlgTps *shown) {
+    int shownWidth = 0;
+    whenModal<DlgTps>(&dialog, [save, &shownWidth, tree, captionColumn](DlgTps *shown) {
+        shownWidth = tree->columnWidth(captionColumn);
         if (save)
             shown->findChild<QPushButton *>(QStringLiteral("btnSave"))->click();
         else
             QTest::keyClick(shown, Qt::Key_Escape);
     });
     QCOMPARE(dialog.exec(), save ? 1 : 0);
+    // The dialog widens until no caption is cut.
+    QVERIFY(shownWidth > tree->fontMetrics().horizontalAdvance(caption));
 }
 
 void tst_LibraryDialogs::addMaterialOk_data()
