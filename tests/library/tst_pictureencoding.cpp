@@ -1,7 +1,9 @@
+#include "library/libraryrecords.h"
 #include "library/pictureencoding.h"
 #include "testenvironment.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QImage>
 #include <QImageReader>
 #include <QTest>
@@ -16,6 +18,8 @@ private slots:
     void jpegQuality();
     void unreadable_data();
     void unreadable();
+    void materialPicture_data();
+    void materialPicture();
 };
 
 namespace {
@@ -136,6 +140,40 @@ void tst_PictureEncoding::unreadable()
         QVERIFY(env.writeFile(path, bytes));
     QCOMPARE(EncodePicture(path), QString());
     QCOMPARE(EncodePicture(env.root()), QString());
+}
+
+void tst_PictureEncoding::materialPicture_data()
+{
+    QTest::addColumn<QString>("base64");
+    QTest::addColumn<QString>("iconPath");
+    QTest::addColumn<QSize>("shown");
+
+    const QString red = QString::fromLatin1(
+        QByteArray::fromHex("89504e470d0a1a0a0000000d49484452000000020000000108020000007b40e8dd"
+                            "0000000d49444154789c63f8cfc000440008fe01ffc69e79f70000000049454e44"
+                            "ae426082")
+            .toBase64());
+    QTest::newRow("embedded picture wins") << red << "/Res/Icon/blue.png" << QSize(2, 1);
+    QTest::newRow("path below the resources") << QString() << "/Res/Icon/blue.png" << QSize(6, 6);
+    QTest::newRow("garbage base64 falls back to the path")
+        << QStringLiteral("!!not base64!!") << "Res/Icon/blue.png" << QSize(6, 6);
+    QTest::newRow("missing file") << QString() << "/Res/Icon/none.png" << QSize(0, 0);
+    QTest::newRow("nothing") << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
+}
+
+void tst_PictureEncoding::materialPicture()
+{
+    QFETCH(QString, base64);
+    QFETCH(QString, iconPath);
+    QFETCH(QSize, shown);
+    TestEnvironment env;
+    QDir().mkpath(env.resourceDir() + QStringLiteral("/Res/Icon"));
+    QVERIFY(QImage(6, 6, QImage::Format_RGB32).save(env.resourceDir() + "/Res/Icon/blue.png"));
+
+    CLibMaterial material;
+    material.iconPath = iconPath;
+    material.iconBase64 = base64;
+    QCOMPARE(MaterialPicture(material).size(), shown);
 }
 
 QTEST_GUILESS_MAIN(tst_PictureEncoding)
