@@ -40,8 +40,7 @@ LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &libra
 LibraryReadResult ReadMaterialLibraryFile(const QString &path, CMaterialLibrary &library);
 
 QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library);
-// The document as indented JSON text: the bytes of
-// QJsonDocument(MaterialLibraryToJson(library)).toJson(), written directly.
+// The document as indented JSON text.
 QByteArray MaterialLibraryText(const CMaterialLibrary &library);
 // Indented JSON; false when the device takes less than all of it.
 bool WriteMaterialLibrary(QIODevice *device, const CMaterialLibrary &library);

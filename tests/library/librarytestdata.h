@@ -7,6 +7,7 @@
 #include "library/cmateriallibrary.h"
 #include "library/librarydocument.h"
 
+#include <QBuffer>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -103,4 +104,17 @@ inline QJsonObject jsonObject(const QByteArray &text)
 inline QByteArray jsonBytes(const CMaterialLibrary &library)
 {
     return QJsonDocument(MaterialLibraryToJson(library)).toJson();
+}
+
+// The library read from bytes as from a file.
+inline CMaterialLibrary readBytes(const QByteArray &bytes, LibraryReadResult *result = nullptr)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    CMaterialLibrary library;
+    const LibraryReadResult read = ReadMaterialLibrary(&buffer, library);
+    if (result)
+        *result = read;
+    return library;
 }
