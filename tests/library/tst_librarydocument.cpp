@@ -33,15 +33,16 @@ QJsonObject writtenMaterials(const CMaterialLibrary &library)
     return type[QStringLiteral("RFBurning")][qsizetype(0)][QStringLiteral("Material")].toObject();
 }
 
-// A value of the block written back for `craft` under "M", 3 mm; a path of
-// keys separated by "/" reaches into nested objects. Undefined when the
-// block or the key is not written.
-QJsonValue writtenValue(const CMaterialLibrary &library, const QString &craft, const QString &path)
+// A value of the document written back from what was read: a path of keys
+// and array indexes separated by "/". Undefined when it is not written.
+QJsonValue writtenValue(const QByteArray &document, const QString &path)
 {
-    QJsonValue value = writtenMaterials(library)[QStringLiteral("M")][QStringLiteral("Thickness")]
-                                                [QStringLiteral("3.00")][craft];
-    for (const QString &key : path.split(QLatin1Char('/')))
-        value = value[key];
+    QJsonValue value = MaterialLibraryToJson(readBytes(document));
+    for (const QString &key : path.split('/')) {
+        bool index = false;
+        const int i = key.toInt(&index);
+        value = index ? value[i] : value[key];
+    }
     return value;
 }
 
@@ -87,16 +88,20 @@ private slots:
 
     void readField_data()
     {
-        QTest::addColumn<QString>("craft");
-        QTest::addColumn<QByteArray>("block");
-        QTest::addColumn<QString>("key");
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QString>("path");
         QTest::addColumn<QJsonValue>("expected");
         const char *C = "Cutting", *T = "Tracing", *S = "Shallow Carving", *D = "Deep Carving",
                    *V = "Vision Mark";
+        // A block of one craft under "M", 3 mm, RFBurning at power 60.
         auto row = [](const char *name, const char *craft, const char *block, const char *key,
                       const QJsonValue &expected) {
-            QTest::newRow(name) << QString::fromLatin1(craft) << QByteArray(block)
-                                << QString::fromLatin1(key) << expected;
+            QTest::newRow(name) << documentText(craft, block)
+                                << "Type/RFBurning/0/Material/M/Thickness/3.00/" + QString::fromLatin1(craft) + '/' + key
+                                << expected;
+        };
+        auto doc = [](const char *name, const char *document, const char *path, const QJsonValue &expected) {
+            QTest::newRow(name) << QByteArray(document) << QString::fromLatin1(path) << expected;
         };
         const QJsonValue none(QJsonValue::Undefined);
         const int intMax = std::numeric_limits<qint32>::max();
@@ -150,16 +155,35 @@ private slots:
         row("mark: array", V, "[0]", "Note", QString());
         row("mark: number", V, "0", "Note", QString());
         row("mark: false", V, "false", "Note", QString());
+
+        doc("version integer", R"({"Version": 3, "Type": {}})", "Version", 3);
+        doc("version missing reads 0", R"({"Type": {}})", "Version", 0);
+        doc("version fraction kept", R"({"Version": 2.5, "Type": {}})", "Version", 2.5);
+        doc("version text kept", R"({"Version": "2024a", "Type": {}})", "Version", "2024a");
+        doc("version large kept", R"({"Version": 4000000000, "Type": {}})", "Version", 4000000000.0);
+        doc("version object kept", R"({"Version": {"a": [1]}, "Type": {}})", "Version/a/0", 1);
+        const char *tubes[] = {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"};
+        for (const char *tube : tubes) {
+            QTest::addRow("tube %s", tube) << "{\"Type\": {\"" + QByteArray(tube) + "\": [{\"Power\": 45}]}}"
+                                           << QStringLiteral("Type/%1/0/Power").arg(tube) << QJsonValue(45);
+        }
+        doc("unknown tube reads as Glass", R"({"Type": {"CO2": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
+        doc("tube names: case matters", R"({"Type": {"fiber": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
+        doc("tube named empty", R"({"Type": {"": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
+        const char *m = R"({"Type": {"Glass": [{"Material": {"M": {"Thickness": {"%1": {"Vision Mark": 1}}}}}]}})";
+        const char *key = "Type/Glass/0/Material/M/Thickness/%1/Vision Mark/Note";
+        for (auto [thickness, written] : {std::pair{"3", "3.00"}, {"1.5", "1.50"}, {"0.8", "0.80"}, {"12.3456", "12.35"}, {"10", "10.00"}})
+            QTest::addRow("thickness key %s", thickness) << QString::fromLatin1(m).arg(thickness).toUtf8()
+                                                         << QString::fromLatin1(key).arg(written) << QJsonValue(QString());
     }
 
     void readField()
     {
-        QFETCH(QString, craft);
-        QFETCH(QByteArray, block);
-        QFETCH(QString, key);
+        QFETCH(QByteArray, document);
+        QFETCH(QString, path);
         QFETCH(QJsonValue, expected);
         TestEnvironment env;
-        QCOMPARE(writtenValue(readBytes(documentText(craft, block)), craft, key), expected);
+        QCOMPARE(writtenValue(document, path), expected);
     }
 
     void materialOrder_data()
@@ -200,83 +224,6 @@ private slots:
         for (int i = 0; i < order.size(); ++i)
             QCOMPARE(written.value(order.at(i))[QStringLiteral("id")].toInt(), i + 1);
         QCOMPARE(readBytes(jsonBytes(library)).MaterialNames(2, 60), order);
-    }
-
-    void version_data()
-    {
-        QTest::addColumn<QByteArray>("version");
-        QTest::addColumn<QByteArray>("written");
-        QTest::newRow("integer") << QByteArray(R"("Version": 3,)") << QByteArray("3");
-        QTest::newRow("missing reads 0") << QByteArray() << QByteArray("0");
-        QTest::newRow("fraction kept") << QByteArray(R"("Version": 2.5,)") << QByteArray("2.5");
-        QTest::newRow("text kept") << QByteArray(R"("Version": "2024a",)") << QByteArray(R"("2024a")");
-        QTest::newRow("large kept") << QByteArray(R"("Version": 4000000000,)") << QByteArray("4000000000");
-        QTest::newRow("object kept") << QByteArray(R"("Version": {"a": [1]},)") << QByteArray(R"({"a": [1]})");
-    }
-
-    void version()
-    {
-        QFETCH(QByteArray, version);
-        QFETCH(QByteArray, written);
-        TestEnvironment env;
-        const CMaterialLibrary library = readBytes("{" + version + R"("Type": {}})");
-        const QJsonValue expected = QJsonDocument::fromJson("[" + written + "]").array().at(0);
-        QCOMPARE(MaterialLibraryToJson(library).value(QStringLiteral("Version")), expected);
-    }
-
-    void tubeNames_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<quint32>("type");
-        QTest::addColumn<QString>("written");
-        quint32 type = 0;
-        for (const char *name : {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"})
-            QTest::newRow(name) << QString::fromLatin1(name) << type++ << QString::fromLatin1(name);
-        QTest::newRow("unknown reads as Glass") << QStringLiteral("CO2") << 0u << QStringLiteral("Glass");
-        QTest::newRow("case matters") << QStringLiteral("fiber") << 0u << QStringLiteral("Glass");
-        QTest::newRow("empty name") << QString() << 0u << QStringLiteral("Glass");
-    }
-
-    void tubeNames()
-    {
-        QFETCH(QString, name);
-        QFETCH(quint32, type);
-        QFETCH(QString, written);
-        TestEnvironment env;
-        const QJsonObject root = jsonObject(R"({"Type": {"": [{"Power": 45, "Material": {"M": {}}}]}})");
-        const QJsonObject tubes{{name, root[QStringLiteral("Type")][QString()]}};
-        CMaterialLibrary library;
-        QVERIFY(ReadMaterialLibrary(QJsonObject{{QStringLiteral("Type"), tubes}}, library));
-        QCOMPARE(library.Tubes().size(), size_t(1));
-        QVERIFY(library.FindMaterial(type, 45, QStringLiteral("M")));
-        QCOMPARE(MaterialLibraryToJson(library)[QStringLiteral("Type")].toObject().keys(),
-                 QStringList{written});
-    }
-
-    void thicknessKeys_data()
-    {
-        QTest::addColumn<double>("thickness");
-        QTest::addColumn<QString>("key");
-        QTest::newRow("whole number") << 3.0 << QStringLiteral("3.00");
-        QTest::newRow("one decimal") << 1.5 << QStringLiteral("1.50");
-        QTest::newRow("below one") << 0.8 << QStringLiteral("0.80");
-        QTest::newRow("rounded to two decimals") << 12.3456 << QStringLiteral("12.35");
-        QTest::newRow("ten") << 10.0 << QStringLiteral("10.00");
-    }
-
-    void thicknessKeys()
-    {
-        QFETCH(double, thickness);
-        QFETCH(QString, key);
-        TestEnvironment env;
-        CMaterialLibrary library;
-        library.AddMaterial(libMaterial(QStringLiteral("M"), {thickness}));
-        library.SetMarkSet({libKey(QStringLiteral("M"), thickness, 4), QString()});
-        const QJsonObject thicknesses = writtenMaterials(library)[QStringLiteral("M")][QStringLiteral("Thickness")].toObject();
-        QCOMPARE(thicknesses.keys(), QStringList{key});
-        const CMaterialLibrary read = readBytes(jsonBytes(library));
-        QCOMPARE(read.Thicknesses(2, 60, QStringLiteral("M")), std::vector<double>{key.toDouble()});
-        QVERIFY(read.FindMarkSet(libKey(QStringLiteral("M"), key.toDouble(), 4)));
     }
 
     void duplicatesAndDefaults()
@@ -418,33 +365,31 @@ private slots:
 
     void manyEntriesScaleLinearly_data()
     {
-        QTest::addColumn<QString>("shape");
-        QTest::newRow("materials under one power") << QStringLiteral("materials");
-        QTest::newRow("thicknesses of one material") << QStringLiteral("thicknesses");
-        QTest::newRow("power entries of one tube") << QStringLiteral("powers");
+        QTest::addColumn<QString>("head");
+        QTest::addColumn<QString>("entry"); // {i} counts up, {n-i} down, {t} is i / 100
+        QTest::addColumn<QString>("tail");
+        const QString mark = R"("Thickness": {"1.00": {"Vision Mark": 1}})";
+        QTest::newRow("materials under one power, ids reversing the key order")
+            << R"({"Type": {"Glass": [{"Material": {)" << R"("M{i}": {"id": {n-i}, )" + mark + "}" << "}}]}}";
+        QTest::newRow("thicknesses of one material") << R"({"Type": {"Glass": [{"Material": {"M": {"Thickness": {)"
+                                                     << R"("{t}": {"Vision Mark": 1})" << "}}}}]}}";
+        QTest::newRow("power entries of one tube") << R"({"Type": {"Glass": [)"
+                                                   << R"({"Power": {i}, "Material": {"M": {)" + mark + "}}}" << "]}}";
     }
 
     void manyEntriesScaleLinearly()
     {
-        QFETCH(QString, shape);
+        QFETCH(QString, head);
+        QFETCH(QString, entry);
+        QFETCH(QString, tail);
         TestEnvironment env;
-        const QByteArray mark = "{\"Thickness\": {\"1.00\": {\"Vision Mark\": 1}}}";
-        auto document = [&](int n) -> QByteArray {
-            QByteArray entries;
+        auto document = [&](int n) {
+            QStringList entries;
             for (int i = 0; i < n; ++i) {
-                const QByteArray k = QByteArray::number(i), sep = i ? "," : "";
-                if (shape == QLatin1String("powers"))
-                    entries += sep + "{\"Power\": " + k + ", \"Material\": {\"M\": " + mark + "}}";
-                else if (shape == QLatin1String("materials")) // ids reverse the key order
-                    entries += sep + "\"M" + k + "\": {\"id\": " + QByteArray::number(n - i) + ", " + mark.mid(1);
-                else
-                    entries += sep + "\"" + QByteArray::number(i * 0.01, 'f', 2) + "\": {\"Vision Mark\": 1}";
+                entries << QString(entry).replace("{i}", QString::number(i)).replace("{n-i}", QString::number(n - i))
+                               .replace("{t}", QString::number(i * 0.01, 'f', 2));
             }
-            if (shape == QLatin1String("powers"))
-                return "{\"Type\": {\"Glass\": [" + entries + "]}}";
-            if (shape == QLatin1String("materials"))
-                return "{\"Type\": {\"Glass\": [{\"Material\": {" + entries + "}}]}}";
-            return "{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {\"Thickness\": {" + entries + "}}}}]}}";
+            return (head + entries.join(',') + tail).toUtf8();
         };
         auto seconds = [&](int n) {
             const QByteArray bytes = document(n);
