@@ -15,44 +15,59 @@ namespace {
 
 using namespace LibraryKeys;
 
-// QJsonObject's own initializer list makes a QString of every key.
-QJsonObject objectOf(std::initializer_list<std::pair<QLatin1String, QJsonValue>> members)
+// Blocks are filled into a copy of a shape, an object of the same kind that
+// has every key already: assigning a value to a key there costs no
+// allocation, inserting the key does (and made building the document cost
+// more than writing it). Without a shape the keys are inserted.
+using Members = std::initializer_list<std::pair<QLatin1String, QJsonValue>>;
+
+QJsonObject objectOf(const QJsonObject &shape, Members members)
 {
-    QJsonObject o;
+    QJsonObject o = shape;
     for (const auto &[key, value] : members)
-        o.insert(key, value);
+        o[key] = value;
     return o;
 }
 
-QJsonObject penObject(const CLibPen &pen)
+QJsonObject penObject(const CLibPen &pen, const QJsonObject &shape)
 {
-    return objectOf({{kPenUpDown, pen.enableUpDown},
-            {kPenDown, pen.enableDown},
-            {kPenUp, pen.enableUp},
-            {kPenDownHeight, pen.downHeight},
-            {kPenUpHeight, pen.upHeight}});
+    return objectOf(shape, {{kPenUpDown, pen.enableUpDown},
+                            {kPenDown, pen.enableDown},
+                            {kPenUp, pen.enableUp},
+                            {kPenDownHeight, pen.downHeight},
+                            {kPenUpHeight, pen.upHeight}});
 }
 
-void insertLaser(QJsonObject &o, int which, const CLibLaser &laser, bool dwell)
+void laserMembers(QJsonObject &o, int which, const CLibLaser &laser, bool dwell)
 {
     const LaserKeys &k = kLaserKeys[which];
-    o.insert(k.jumpDelay, laser.jumpDelay);
-    o.insert(k.cornerDelay, laser.cornerDelay);
+    o[k.jumpDelay] = laser.jumpDelay;
+    o[k.cornerDelay] = laser.cornerDelay;
     if (!dwell)
         return;
-    o.insert(k.dwellMode, laser.dwellMode);
-    o.insert(k.dwellOn, laser.dwellOn);
-    o.insert(k.startDwell, laser.startDwell);
-    o.insert(k.endDwell, laser.endDwell);
-    o.insert(k.startDwellTime, laser.startDwellTime);
-    o.insert(k.endDwellTime, laser.endDwellTime);
-    o.insert(k.dwellPower, laser.dwellPower);
+    o[k.dwellMode] = laser.dwellMode;
+    o[k.dwellOn] = laser.dwellOn;
+    o[k.startDwell] = laser.startDwell;
+    o[k.endDwell] = laser.endDwell;
+    o[k.startDwellTime] = laser.startDwellTime;
+    o[k.endDwellTime] = laser.endDwellTime;
+    o[k.dwellPower] = laser.dwellPower;
+}
+
+struct Shapes
+{
+    QJsonObject pen, guide, compensate, cut, shallow, deep;
+};
+
+QJsonObject pen(const CLibPen &pen, const Shapes *s)
+{
+    return penObject(pen, s ? s->pen : QJsonObject());
 }
 
 // Both cut crafts get every key, although "Tracing" is read without some.
-QJsonObject cutObject(const CLibCutSet &set)
+QJsonObject cutObject(const CLibCutSet &set, const Shapes *s)
 {
-    QJsonObject o = objectOf({
+    QJsonObject o = objectOf(s ? s->cut : QJsonObject(), {
         {kBlowing, set.blowing},
         {kSpeed, set.speed},
         {kPower, set.laser1.power},
@@ -68,25 +83,27 @@ QJsonObject cutObject(const CLibCutSet &set)
         {kTurnPower2, set.laser2.turnPower},
         {kFrequency2, set.laser2.frequency},
         {kPulseWidth2, set.laser2.pulseWidth},
-        {kGuideLine, objectOf({{kGuideType, set.guideType},
-                                 {kGuideIn, set.guideIn},
-                                 {kGuideInLen, set.guideInLen},
-                                 {kGuideOut, set.guideOut},
-                                 {kGuideOutLen, set.guideOutLen}})},
-        {kPenAction, penObject(set.pen)},
-        {kCompensate, objectOf({{kUseCompensate, set.useCompensate},
-                                  {kCompensateOutward, set.compensateOutward},
-                                  {kCompensateSize, set.compensateSize}})},
+        {kGuideLine, objectOf(s ? s->guide : QJsonObject(), {{kGuideType, set.guideType},
+                                                              {kGuideIn, set.guideIn},
+                                                              {kGuideInLen, set.guideInLen},
+                                                              {kGuideOut, set.guideOut},
+                                                              {kGuideOutLen, set.guideOutLen}})},
+        {kPenAction, pen(set.pen, s)},
+        {kCompensate, objectOf(s ? s->compensate : QJsonObject(),
+                               {{kUseCompensate, set.useCompensate},
+                                {kCompensateOutward, set.compensateOutward},
+                                {kCompensateSize, set.compensateSize}})},
         {kNote, set.note},
     });
-    insertLaser(o, 0, set.laser1, true);
-    insertLaser(o, 1, set.laser2, true);
+    laserMembers(o, 0, set.laser1, true);
+    laserMembers(o, 1, set.laser2, true);
     return o;
 }
 
-QJsonObject sweepObject(const CLibSweepSet &set)
+QJsonObject sweepObject(const CLibSweepSet &set, const Shapes *s)
 {
-    QJsonObject o = objectOf({
+    const bool deep = set.key.craft == LIB_CRAFT_DEEP;
+    QJsonObject o = objectOf(s ? (deep ? s->deep : s->shallow) : QJsonObject(), {
         {kBlowing, set.blowing},
         {kSpeed, set.speed},
         {kPower, set.laser1.power},
@@ -102,18 +119,33 @@ QJsonObject sweepObject(const CLibSweepSet &set)
         {kOffsetEngraving, set.offsetEngraving},
         {kOffsetType, set.offsetType},
         {kOffsetDistance, set.offsetDistance},
-        {kPenAction, penObject(set.pen)},
+        {kPenAction, pen(set.pen, s)},
         {kNote, set.note},
     });
-    insertLaser(o, 0, set.laser1, false);
-    insertLaser(o, 1, set.laser2, false);
-    if (set.key.craft == LIB_CRAFT_DEEP) {
-        o.insert(kIsRamp, set.isRamp);
-        o.insert(kMinPower, set.minPower);
-        o.insert(kMaxPower, set.maxPower);
-        o.insert(kCarvingNumber, set.carvingNumber);
+    laserMembers(o, 0, set.laser1, false);
+    laserMembers(o, 1, set.laser2, false);
+    if (deep) {
+        o[kIsRamp] = set.isRamp;
+        o[kMinPower] = set.minPower;
+        o[kMaxPower] = set.maxPower;
+        o[kCarvingNumber] = set.carvingNumber;
     }
     return o;
+}
+
+const Shapes &shapes()
+{
+    static const Shapes made = [] {
+        const CLibCutSet cut;
+        CLibSweepSet shallow, deep;
+        shallow.key.craft = LIB_CRAFT_SHALLOW;
+        deep.key.craft = LIB_CRAFT_DEEP;
+        const QJsonObject c = cutObject(cut, nullptr);
+        return Shapes{c.value(kPenAction).toObject(), c.value(kGuideLine).toObject(),
+                      c.value(kCompensate).toObject(), c, sweepObject(shallow, nullptr),
+                      sweepObject(deep, nullptr)};
+    }();
+    return made;
 }
 
 } // namespace
@@ -214,11 +246,11 @@ QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
                     for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
                         key.craft = craft;
                         if (const CLibCutSet *cut = library.FindCutSet(key))
-                            crafts.insert(kCraftKeys[craft], cutObject(*cut));
+                            crafts.insert(kCraftKeys[craft], cutObject(*cut, &shapes()));
                         else if (const CLibSweepSet *sweep = library.FindSweepSet(key))
-                            crafts.insert(kCraftKeys[craft], sweepObject(*sweep));
+                            crafts.insert(kCraftKeys[craft], sweepObject(*sweep, &shapes()));
                         else if (const CLibMarkSet *mark = library.FindMarkSet(key))
-                            crafts.insert(kCraftKeys[craft], objectOf({{kNote, mark->note}}));
+                            crafts.insert(kCraftKeys[craft], objectOf(QJsonObject(), {{kNote, mark->note}}));
                     }
                     thicknesses.insert(ThicknessKey(thickness), crafts);
                 }
