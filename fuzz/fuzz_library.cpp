@@ -1,9 +1,8 @@
 // Any bytes as a material library file ("lm.json", an imported library).
-// The direct reader takes the bytes only when Qt's parser reads the same
-// library from them. A failed read leaves the library empty; once read,
-// writing and reading again must settle.
+// A failed read leaves the library empty; once read, the library holds each
+// material once, in its tube/power run, and writing and reading again must
+// settle.
 #include "library/librarydocument.h"
-#include "library/libraryreader_p.h"
 
 #include <QBuffer>
 #include <QJsonDocument>
@@ -15,18 +14,6 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    CMaterialLibrary direct;
-    if (ReadMaterialLibraryDirect(bytes, direct)) {
-        const QJsonDocument document = QJsonDocument::fromJson(bytes);
-        CMaterialLibrary parsed;
-        if (!document.isObject() || !ReadMaterialLibrary(document.object(), parsed))
-            std::abort();
-        if (!(parsed == direct) || MaterialLibraryText(parsed) != MaterialLibraryText(direct))
-            std::abort();
-    } else if (!direct.IsEmpty()) {
-        std::abort();
-    }
-
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
@@ -60,10 +47,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         }
     }
     if (inRuns != library.Materials().size())
-        std::abort();
-
-    // The direct text writer gives exactly Qt's text of the document.
-    if (MaterialLibraryText(library) != QJsonDocument(MaterialLibraryToJson(library)).toJson())
         std::abort();
 
     // A mode written as a number reads back as 0, so the text settles on the

@@ -33,15 +33,15 @@ struct LibraryReadResult
 // Readers replace the library's content. A document without a "Type"
 // object leaves the library empty and reads as a failure; missing or
 // mistyped keys take their defaults. Materials of a power entry come in
-// ascending "id" (a positive whole number); equal ids keep the key order of
-// the document, and materials without a usable id follow in key order.
+// ascending "id" (a positive whole number); materials without a usable id
+// follow, and ties come in key order (a QJsonObject's: sorted). Of a key
+// given twice in one object the last counts.
 bool ReadMaterialLibrary(const QJsonObject &root, CMaterialLibrary &library);
 LibraryReadResult ReadMaterialLibrary(QIODevice *device, CMaterialLibrary &library);
 LibraryReadResult ReadMaterialLibraryFile(const QString &path, CMaterialLibrary &library);
 
 QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library);
-// The document as indented JSON text: the bytes of
-// QJsonDocument(MaterialLibraryToJson(library)).toJson(), written directly.
+// The document as indented JSON text.
 QByteArray MaterialLibraryText(const CMaterialLibrary &library);
 // Indented JSON; false when the device takes less than all of it.
 bool WriteMaterialLibrary(QIODevice *device, const CMaterialLibrary &library);

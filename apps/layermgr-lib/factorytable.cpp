@@ -159,7 +159,9 @@ void addRow(const Row &row, const QString &swatchDir, QHash<QString, QString> &p
         set.note = note;
         library.SetSweepSet(set);
     } else {
-        library.SetMarkSet({libKey, note});
+        // A reader keeps only that the thickness has a mark set: a note
+        // here would be gone after the first save.
+        library.SetMarkSet({libKey, QString()});
     }
 }
 

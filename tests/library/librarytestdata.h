@@ -7,6 +7,7 @@
 #include "library/cmateriallibrary.h"
 #include "library/librarydocument.h"
 
+#include <QBuffer>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -18,52 +19,18 @@ inline CLibKey libKey(const QString &material, double thickness, quint32 craft, 
 
 inline CLibCutSet sampleCutSet(const CLibKey &key)
 {
-    CLibCutSet s;
-    s.key = key;
-    s.blowing = true;
-    s.speed = 12.5;
-    s.laser1 = {55.5, 11.25, 2000, 300, 1, 2, true, false, true, false, 7, 8, 9.5};
-    s.laser2 = {44.0, 22.0, 3000, 400, 3, 4, false, true, false, true, 5, 6, 1.5};
-    s.sealLength = 0.75;
-    s.bridges = true;
-    s.bridgesSpace = 12.0;
-    s.bridgesLength = 1.5;
-    s.useGuideLine = true;
-    s.guideType = 2;
-    s.guideIn = 1;
-    s.guideInLen = 2.5;
-    s.guideOut = 1;
-    s.guideOutLen = 3.5;
-    s.pen = {true, false, true, 4.5, 6.5};
-    s.useCompensate = true;
-    s.compensateOutward = false;
-    s.compensateSize = 0.1;
-    s.note = QStringLiteral("cut note");
-    return s;
+    return {key, true, 12.5,
+            {55.5, 11.25, 2000, 300, 1, 2, true, false, true, false, 7, 8, 9.5},
+            {44.0, 22.0, 3000, 400, 3, 4, false, true, false, true, 5, 6, 1.5},
+            0.75, true, 12.0, 1.5, true, 2, 1, 2.5, 1, 3.5, {true, false, true, 4.5, 6.5},
+            true, false, 0.1, QStringLiteral("cut note")};
 }
 
 inline CLibSweepSet sampleSweepSet(const CLibKey &key)
 {
-    CLibSweepSet s;
-    s.key = key;
-    s.blowing = false;
-    s.speed = 300.5;
-    s.laser1 = {33.25, 0.0, 5000, 600, 5, 6};
-    s.laser2 = {22.5, 20.0, 6000, 700, 7, 8};
-    s.dpi = 4;
-    s.mode = 1;
-    s.rampLength = 2.25;
-    s.is3DRelief = true;
-    s.offsetEngraving = true;
-    s.offsetType = 2;
-    s.offsetDistance = 0.05;
-    s.isRamp = true;
-    s.minPower = 10.5;
-    s.maxPower = 60.5;
-    s.carvingNumber = 3;
-    s.pen = {true, true, false, 2.5, 5.5};
-    s.note = QStringLiteral("sweep note");
-    return s;
+    return {key, false, 300.5, {33.25, 0.0, 5000, 600, 5, 6}, {22.5, 20.0, 6000, 700, 7, 8},
+            4, 1, 2.25, true, true, 2, 0.05, true, 10.5, 60.5, 3, {true, true, false, 2.5, 5.5},
+            QStringLiteral("sweep note")};
 }
 
 inline CLibMaterial libMaterial(const QString &name, std::vector<double> thicknesses,
@@ -103,4 +70,17 @@ inline QJsonObject jsonObject(const QByteArray &text)
 inline QByteArray jsonBytes(const CMaterialLibrary &library)
 {
     return QJsonDocument(MaterialLibraryToJson(library)).toJson();
+}
+
+// The library read from bytes as from a file.
+inline CMaterialLibrary readBytes(const QByteArray &bytes, LibraryReadResult *result = nullptr)
+{
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    CMaterialLibrary library;
+    const LibraryReadResult read = ReadMaterialLibrary(&buffer, library);
+    if (result)
+        *result = read;
+    return library;
 }
