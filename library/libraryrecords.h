@@ -239,3 +239,21 @@ inline bool IsSweepCraft(quint32 craft)
 {
     return craft == LIB_CRAFT_SHALLOW || craft == LIB_CRAFT_DEEP;
 }
+
+// Every parameter field equal; where the set is filed (key) and its note do
+// not count. Tells whether an edited set still holds the stored values.
+inline bool SameParameters(const CLibCutSet &a, const CLibCutSet &b)
+{
+    CLibCutSet left = a;
+    left.key = b.key;
+    left.note = b.note;
+    return left == b;
+}
+
+inline bool SameParameters(const CLibSweepSet &a, const CLibSweepSet &b)
+{
+    CLibSweepSet left = a;
+    left.key = b.key;
+    left.note = b.note;
+    return left == b;
+}

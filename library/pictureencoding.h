@@ -9,3 +9,11 @@
 // PNG, as base64 text. Empty when the file does not load as an image.
 QString EncodePicture(const QString &path, const QSize &target = QSize(50, 50),
                       int quality = 70);
+
+struct CLibMaterial;
+class QImage;
+
+// A material's picture for display: "IconBase64Data" decoded when it holds an
+// image, else "IconPath" (absolute, or below the application resource
+// directory as "/Res/Icon/..." paths are), else a null image.
+QImage MaterialPicture(const CLibMaterial &material);
