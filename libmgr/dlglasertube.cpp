@@ -88,8 +88,7 @@ int DlgLaserTube::rfType() const
     // that kind; any other machine, or none, the RF kind with burning.
     const ILayerHost *host = g_LayerContext.m_pHost;
     const IDevicesInfo *info = host ? host->DevicesInfo() : nullptr;
-    if (info && info->GetLaserCount() > 0
-        && info->GetLaser(0).tubeType == LASER_TUBE_RF_NO_BURNING)
+    if (info && info->GetLaserCount() > 0 && info->GetLaser(0).tubeType == LASER_TUBE_RF_NO_BURNING)
         return LASER_TUBE_RF_NO_BURNING;
     return LASER_TUBE_RF_BURNING;
 }
@@ -174,8 +173,9 @@ void DlgLaserTube::powerChanged(int index)
 void DlgLaserTube::updateDeleteButton()
 {
     const int index = ui->comboBox_power->currentIndex();
-    ui->pushButton_del->setEnabled(
-        index >= 0 && ui->comboBox_power->itemData(index, ROLE_DELETABLE).toBool());
+    const bool deletable = index >= 0
+        && ui->comboBox_power->itemData(index, ROLE_DELETABLE).toBool();
+    ui->pushButton_del->setEnabled(deletable);
 }
 
 void DlgLaserTube::on_comboBox_tube_currentIndexChanged(int index)

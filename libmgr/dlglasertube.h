@@ -20,8 +20,8 @@ public:
     // library, whose lists move when a power is added.
     enum EITEM_ROLE {
         ROLE_POWER = Qt::UserRole,
-        ROLE_TUBE = Qt::UserRole + 1,  // on tube items: the library's type, when it has one
-        ROLE_DELETABLE = Qt::UserRole + 1,  // on power items
+        ROLE_TUBE = Qt::UserRole + 1,      // on tube items: the library's type, when it has one
+        ROLE_DELETABLE = Qt::UserRole + 1, // on power items
     };
 
     // The store is not owned and must outlive the dialog.

@@ -72,7 +72,7 @@ void DlgLayerAddMaterials::retranslate()
     ui->checkBox_trc->setText(wording("Scoring"));
     ui->checkBox_swpShallow->setText(wording("Shallow Engrave"));
     ui->checkBox_swpDeep->setText(m_tubeType == LASER_TUBE_SEMICONDUCTOR ? wording("Fill")
-                                                                          : wording("Deep Engrave"));
+                                                                         : wording("Deep Engrave"));
     ui->checkBox_vision->setText(wording("Mark"));
     ui->pushButton_ok->setText(wording("OK"));
 }

@@ -46,8 +46,8 @@ void DlgLayerAddThickness::retranslate()
     setWindowTitle(wording("Custom thickness"));
     // The label follows the ruler setting, the conversion the host's unit
     // mode; in normal use both come from the same setting.
-    const int ruler = ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 1,
-                                 CfgIniPath());
+    const int ruler =
+        ReadIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 1, CfgIniPath());
     ui->label_thickness->setText(IsInchUnit(ruler) ? wording("Thickness (inch)")
                                                    : wording("Thickness (mm)"));
     ui->checkBox_cut->setText(wording("Cutting"));

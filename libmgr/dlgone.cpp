@@ -27,9 +27,9 @@ DlgOne::DlgOne(int value, QWidget *parent)
 {
     ui->setupUi(this);
     retranslate();
-    m_validator = std::make_unique<Validator>(ui->lineEdit, kMinPower, kMaxPower,
-                                              int(Validator::VALUE_PLAIN),
-                                              int(Validator::CHECK_INT_RANGE));
+    m_validator =
+        std::make_unique<Validator>(ui->lineEdit, kMinPower, kMaxPower, int(Validator::VALUE_PLAIN),
+                                    int(Validator::CHECK_INT_RANGE));
     ui->lineEdit->setValidator(m_validator.get());
     ui->lineEdit->setText(QStringLiteral("%1").arg(value));
 }

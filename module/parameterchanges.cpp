@@ -15,8 +15,7 @@ class ChangeRows
 public:
     explicit ChangeRows(bool dualLaser)
         : m_dual(dualLaser)
-    {
-    }
+    {}
 
     int LaserCount() const { return m_dual ? 2 : 1; }
 
@@ -120,8 +119,8 @@ QString ChangeOnOffText(bool on)
 QString ChangeResolutionText(qint32 index)
 {
     static const char *const kResolutions[] = {
-        "50",   "70",   "100",  "150",  "200",  "250",  "300",  "350",  "400", "500",
-        "600",  "800",  "1000", "1500", "2000", "2500", "3000", "3500", "4000",
+        "50",  "70",  "100",  "150",  "200",  "250",  "300",  "350",  "400",  "500",
+        "600", "800", "1000", "1500", "2000", "2500", "3000", "3500", "4000",
     };
     constexpr qint32 count = qint32(sizeof(kResolutions) / sizeof(kResolutions[0]));
     return QString::fromLatin1(index >= 0 && index < count ? kResolutions[index] : "9999");
@@ -148,8 +147,8 @@ QList<QStringList> CutSetChanges(const CLibCutSet &a, const CLibCutSet &b, bool 
         // The second laser's two captions are in title case; users know them so.
         rows.Number(n == 1 ? "Start dwell time" : "Start Dwell Time", o.startDwellTime,
                     m.startDwellTime, n);
-        rows.Number(n == 1 ? "End dwell time" : "End Dwell Time", o.endDwellTime,
-                    m.endDwellTime, n);
+        rows.Number(n == 1 ? "End dwell time" : "End Dwell Time", o.endDwellTime, m.endDwellTime,
+                    n);
         rows.Number("Laser Power", o.dwellPower, m.dwellPower, n);
     }
     rows.OnOff("Use Tabs", a.bridges, b.bridges);

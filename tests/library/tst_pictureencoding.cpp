@@ -1,7 +1,10 @@
+#include "library/libraryrecords.h"
 #include "library/pictureencoding.h"
 #include "testenvironment.h"
 
 #include <QBuffer>
+#include <QColor>
+#include <QDir>
 #include <QImage>
 #include <QImageReader>
 #include <QTest>
@@ -16,6 +19,8 @@ private slots:
     void jpegQuality();
     void unreadable_data();
     void unreadable();
+    void materialPicture_data();
+    void materialPicture();
 };
 
 namespace {
@@ -136,6 +141,55 @@ void tst_PictureEncoding::unreadable()
         QVERIFY(env.writeFile(path, bytes));
     QCOMPARE(EncodePicture(path), QString());
     QCOMPARE(EncodePicture(env.root()), QString());
+}
+
+void tst_PictureEncoding::materialPicture_data()
+{
+    QTest::addColumn<QString>("base64");
+    QTest::addColumn<QString>("iconPath");
+    QTest::addColumn<QSize>("shown");
+
+    const QString red = QStringLiteral("<red 8x4>");
+    QTest::newRow("embedded picture wins") << red << "/Res/Icon/blue.png" << QSize(8, 4);
+    QTest::newRow("path below the resources") << QString() << "/Res/Icon/blue.png" << QSize(6, 6);
+    QTest::newRow("path without leading slash") << QString() << "Res/Icon/blue.png" << QSize(6, 6);
+    QTest::newRow("absolute file path") << QString() << "<absolute>" << QSize(6, 6);
+    QTest::newRow("garbage base64 falls back to the path")
+        << QStringLiteral("!!not base64!!") << "/Res/Icon/blue.png" << QSize(6, 6);
+    QTest::newRow("garbage base64, no path")
+        << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
+    QTest::newRow("missing file") << QString() << "/Res/Icon/none.png" << QSize(0, 0);
+    QTest::newRow("nothing") << QString() << QString() << QSize(0, 0);
+}
+
+void tst_PictureEncoding::materialPicture()
+{
+    QFETCH(QString, base64);
+    QFETCH(QString, iconPath);
+    QFETCH(QSize, shown);
+    TestEnvironment env;
+    QDir().mkpath(env.resourceDir() + QStringLiteral("/Res/Icon"));
+    const QString blue = env.resourceDir() + QStringLiteral("/Res/Icon/blue.png");
+    QImage picture(6, 6, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QVERIFY(picture.save(blue));
+
+    CLibMaterial material;
+    material.iconPath = iconPath == QLatin1String("<absolute>") ? blue : iconPath;
+    material.iconBase64 = base64;
+    if (base64 == QLatin1String("<red 8x4>")) {
+        QImage red(8, 4, QImage::Format_RGB32);
+        red.fill(Qt::red);
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        QVERIFY(red.save(&buffer, "PNG"));
+        material.iconBase64 = QString::fromLatin1(buffer.data().toBase64());
+    }
+    const QImage image = MaterialPicture(material);
+    QCOMPARE(image.size(), shown);
+    if (!image.isNull())
+        QCOMPARE(QColor(image.pixel(0, 0)),
+                 shown == QSize(8, 4) ? QColor(Qt::red) : QColor(Qt::blue));
 }
 
 QTEST_GUILESS_MAIN(tst_PictureEncoding)
