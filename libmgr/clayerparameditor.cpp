@@ -128,7 +128,6 @@ void CLayerParamEditor::selectLaser(int laser)
 void CLayerParamEditor::applyState()
 {
     m_fields->SetState(m_editable, m_locked);
-    m_laserCombo->setEnabled(m_dual);
     m_save->setEnabled(m_editable);
 }
 

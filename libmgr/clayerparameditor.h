@@ -48,6 +48,8 @@ protected:
     void finishSetUp();
 
     CParamFields &fields() const { return *m_fields; }
+    // The values behind the fields; change before finishSetUp only.
+    CLayerParam &scratchLayer() { return m_layer; }
     // The scratch layer with the fields on display written into it.
     CLayerParam currentLayer() const;
     void showLayer(const CLayerParam &layer);

@@ -223,6 +223,7 @@ void CParamFields::Show(const CLayerParam &layer, int laser)
         }
     }
     m_loading = false;
+    updateEnabled();
 }
 
 void CParamFields::Collect(CLayerParam &layer, int laser) const
@@ -250,16 +251,44 @@ void CParamFields::Collect(CLayerParam &layer, int laser) const
     }
 }
 
+void CParamFields::AddDependency(QAbstractButton *toggle,
+                                 std::initializer_list<QWidget *> dependents)
+{
+    for (QWidget *widget : dependents)
+        m_toggles.insert(widget, toggle);
+    connect(toggle, &QAbstractButton::toggled, this, &CParamFields::updateEnabled,
+            Qt::UniqueConnection);
+}
+
 void CParamFields::SetState(bool editable, bool locked)
+{
+    m_editable = editable;
+    m_locked = locked;
+    updateEnabled();
+}
+
+bool CParamFields::togglesAllow(const QWidget *widget) const
+{
+    for (auto it = m_toggles.constFind(widget); it != m_toggles.cend() && it.key() == widget;
+         ++it) {
+        if (!it.value()->isChecked() || !togglesAllow(it.value()))
+            return false;
+    }
+    return true;
+}
+
+void CParamFields::updateEnabled()
 {
     for (const auto &field : m_fields) {
         if (!field->widget)
             continue;
+        const bool allowed = !m_locked && togglesAllow(field->widget);
         if (field->edit) {
-            field->edit->setReadOnly(!editable);
-            field->edit->setEnabled(!locked);
+            // Read-only text can still be selected and copied.
+            field->edit->setReadOnly(!m_editable);
+            field->edit->setEnabled(allowed);
         } else {
-            field->widget->setEnabled(editable && !locked);
+            field->widget->setEnabled(m_editable && allowed);
         }
     }
 }

@@ -2,11 +2,13 @@
 
 #include "module/clayerparam.h"
 
+#include <QMultiHash>
 #include <QObject>
 #include <QPointer>
 
 #include <algorithm>
 #include <functional>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 #include <type_traits>
@@ -64,7 +66,10 @@ CParamAccess LaserField(Block CLayerParam::*block, T LaserParam::*field)
             },
             [=](CLayerParam &layer, int laser, double value) {
                 Block &b = layer.*block;
-                (laser == 2 ? b.LASER2 : b.LASER1).*field = ParamFromDouble<T>(value);
+                // Through a named reference: GCC 12 assigns to a copy when the
+                // member pointer is applied to the conditional directly.
+                LaserParam &target = laser == 2 ? b.LASER2 : b.LASER1;
+                target.*field = ParamFromDouble<T>(value);
             }};
 }
 
@@ -112,6 +117,9 @@ public:
     void Show(const CLayerParam &layer, int laser);
     void Collect(CLayerParam &layer, int laser) const;
 
+    // The widget is usable only while the box is checked (and usable).
+    void AddDependency(QAbstractButton *toggle, std::initializer_list<QWidget *> dependents);
+
     // Read only keeps the values visible and selectable; locked disables.
     void SetState(bool editable, bool locked);
 
@@ -133,8 +141,13 @@ private:
     QString displayText(const Field &field, double stored) const;
     double storedValue(const Field &field) const;
     void logChange(QObject *sender, const char *what) const;
+    bool togglesAllow(const QWidget *widget) const;
+    void updateEnabled();
 
     int m_unitMode = 1;
     bool m_loading = false;
+    bool m_editable = true;
+    bool m_locked = false;
     std::vector<std::unique_ptr<Field>> m_fields;
+    QMultiHash<const QWidget *, QAbstractButton *> m_toggles;
 };

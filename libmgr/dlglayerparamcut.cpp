@@ -107,6 +107,21 @@ void DlgLayerParamCut::addFields()
                BlockField(cut, &CutParam::CUT_COMPENSATE_OUTWARD));
     f.AddEdit(ui->lineEdit_compensationSize, F::KIND_LENGTH, 0.01, 5.0, 2,
               BlockField(cut, &CutParam::CUT_COMPENSATE_SIZE), ui->label_compensationSizeUnit);
+
+    f.AddDependency(ui->checkBox_dwellMode, {ui->checkBox_laserOn, ui->checkBox_startDwell,
+                                             ui->checkBox_endDwell, ui->lineEdit_dwellPower});
+    f.AddDependency(ui->checkBox_startDwell, {ui->lineEdit_startDwellTime});
+    f.AddDependency(ui->checkBox_endDwell, {ui->lineEdit_endDwellTime});
+    f.AddDependency(ui->checkBox_tabs, {ui->lineEdit_tabSize, ui->lineEdit_tabDistance});
+    f.AddDependency(ui->checkBox_leads,
+                    {ui->comboBox_leadType, ui->checkBox_leadIn, ui->checkBox_leadOut});
+    f.AddDependency(ui->checkBox_leadIn, {ui->lineEdit_leadInLength});
+    f.AddDependency(ui->checkBox_leadOut, {ui->lineEdit_leadOutLength});
+    f.AddDependency(ui->checkBox_dynamicFocus, {ui->checkBox_penDown, ui->checkBox_penUp});
+    f.AddDependency(ui->checkBox_penDown, {ui->doubleSpinBox_processingFocus});
+    f.AddDependency(ui->checkBox_penUp, {ui->doubleSpinBox_safetyFocus});
+    f.AddDependency(ui->checkBox_compensation,
+                    {ui->comboBox_compensationDirection, ui->lineEdit_compensationSize});
 }
 
 void DlgLayerParamCut::LoadSet(const CLibCutSet &set)

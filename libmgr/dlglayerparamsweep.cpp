@@ -24,9 +24,8 @@ DlgLayerParamSweep::DlgLayerParamSweep(QWidget *parent)
                                  FactoryParamIniPath());
     addFields();
     // Sets do not carry the vertical order: it is the user's choice.
-    CLayerParam layer = currentLayer();
-    layer.SWEEP.SWEEP_VERT_TYPE = ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
-    showLayer(layer);
+    scratchLayer().SWEEP.SWEEP_VERT_TYPE =
+        ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
     finishSetUp();
     SetDeepMode(false);
 }
@@ -90,6 +89,12 @@ void DlgLayerParamSweep::addFields()
     f.AddCheck(ui->checkBox_penUp, PenField(sweep, &PenParam::ENABLE_PEN_UP));
     f.AddHeight(ui->doubleSpinBox_safetyFocus, height, PenField(sweep, &PenParam::PEN_UP_HRIGHT),
                 ui->label_safetyFocusUnit);
+
+    f.AddDependency(ui->checkBox_slope, {ui->lineEdit_rampLength});
+    f.AddDependency(ui->checkBox_offset, {ui->comboBox_offsetType, ui->lineEdit_offsetStep});
+    f.AddDependency(ui->checkBox_dynamicFocus, {ui->checkBox_penDown, ui->checkBox_penUp});
+    f.AddDependency(ui->checkBox_penDown, {ui->doubleSpinBox_processingFocus});
+    f.AddDependency(ui->checkBox_penUp, {ui->doubleSpinBox_safetyFocus});
 }
 
 void DlgLayerParamSweep::SetDeepMode(bool deep)
