@@ -22,9 +22,7 @@ QImage loadPicture(const QString &reference)
 {
     if (reference.isEmpty())
         return {};
-    const QString path = QFileInfo(reference).isRelative()
-                             ? QDir(AppResourceDir()).filePath(reference)
-                             : reference;
+    const QString path = QDir(AppResourceDir()).filePath(reference);
     QImage picture;
     if (QFileInfo(path).isFile() && picture.load(path))
         return picture;
@@ -113,8 +111,8 @@ void CMaterialListWidget::startPreview(QWidget *rowWidget)
         hidePreview();
         return;
     }
-    m_preview->setPixmap(QPixmap::fromImage(picture.scaled(
-        kPreviewSize, kPreviewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    m_preview->setPixmap(QPixmap::fromImage(
+        picture.scaled(kPreviewSize, kPreviewSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)));
     m_preview->adjustSize();
     const QRect itemRect = visualItemRect(hovered);
     m_preview->move(viewport()->mapToGlobal(itemRect.bottomLeft()) + kPreviewOffset);

@@ -32,7 +32,7 @@ QString wording(const QString &english)
 ELASER_TUBE tubeType(int code)
 {
     return code >= LASER_TUBE_GLASS && code <= LASER_TUBE_SEMICONDUCTOR ? ELASER_TUBE(code)
-                                                                         : LASER_TUBE_GLASS;
+                                                                        : LASER_TUBE_GLASS;
 }
 
 QString tubeName(ELASER_TUBE tube)
@@ -111,9 +111,7 @@ DlgLayerParamPresets::DlgLayerParamPresets(QWidget *parent)
         item->setTextAlignment(Qt::AlignCenter);
         item->setData(Qt::UserRole, QString::fromLatin1(scheme));
     }
-    const int schemeRowHeight = ui->listWidget_scheme->sizeHintForRow(0);
-    ui->listWidget_scheme->setFixedHeight(schemeRowHeight * int(std::size(kSchemes)) +
-                                          2 * ui->listWidget_scheme->frameWidth());
+    ui->listWidget_scheme->SetItemCountPerRow(int(std::size(kSchemes)));
     SetCurrentScheme(kTemporaryScheme);
 
     ShowLaserChoice(false);

@@ -4,8 +4,7 @@
 
 MyListWidget::MyListWidget(QWidget *parent)
     : QListWidget(parent)
-{
-}
+{}
 
 void MyListWidget::resizeEvent(QResizeEvent *event)
 {
