@@ -40,7 +40,7 @@ class Host : public ILayerHost
 {
 public:
     void LayersChanged() override { calls << QStringLiteral("LayersChanged"); }
-    void LayerEvent(int code) override { calls << QStringLiteral("LayerEvent %1").arg(code); }
+    void LayerEvent(int) override {}
     void CurrentLayerChanged() override {}
     void RefreshView() override {}
     IDevicesInfo *DevicesInfo() const override { return const_cast<CDevicesInfoIns *>(&devices); }
@@ -73,14 +73,6 @@ void answerBox(QMessageBox::StandardButton button, QString *text = nullptr)
         if (text)
             *text = box->text();
         box->button(button)->click();
-    });
-}
-
-void answerFile(const QString &path)
-{
-    whenModal<QFileDialog>([path](QFileDialog *dialog) {
-        dialog->selectFile(path);
-        QMetaObject::invokeMethod(dialog, "accept");
     });
 }
 
@@ -175,6 +167,15 @@ struct Fixture
         return set.speed;
     }
     void click(const char *button) const { child<QPushButton>(button)->click(); }
+    // A double click on a row of a panel built as the module builds it.
+    void doubleClickRow(int row) const
+    {
+        std::unique_ptr<DlgLayerMgr> panel(NewLayerPanel(nullptr));
+        panel->SyncLayers(manager.get(), true);
+        auto *table = panel->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        table->setCurrentCell(row, 1);
+        emit table->itemDoubleClicked(table->item(row, 1));
+    }
 
     TestEnvironment env;
     Host host;
@@ -202,10 +203,6 @@ private slots:
         QFETCH(int, layers);
         QFETCH(int, row);
         Fixture f(layers);
-        std::unique_ptr<DlgLayerMgr> panel(NewLayerPanel(nullptr));
-        panel->SyncLayers(f.manager.get(), true);
-        auto *table = panel->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
-        table->setCurrentCell(row, 1);
         QStringList labels;
         int shownRow = -1;
         whenModal<DlgLayerLibMgr>([&](DlgLayerLibMgr *dialog) {
@@ -213,7 +210,7 @@ private slots:
             shownRow = dialog->findChild<QListWidget *>(QStringLiteral("listWidget_Layer"))->currentRow();
             dialog->reject();
         });
-        emit table->itemDoubleClicked(table->item(row, 1));
+        f.doubleClickRow(row);
         QCOMPARE(labels.size(), layers);
         QCOMPARE(shownRow, row);
         for (int i = 0; i < layers; ++i)
@@ -286,10 +283,6 @@ private slots:
         QFETCH(double, speed);
         Fixture f;
         f.user().RemoveSet({0, 80, "Plywood", 3.0, 1});
-        std::unique_ptr<DlgLayerMgr> panel(NewLayerPanel(nullptr));
-        panel->SyncLayers(f.manager.get(), true);
-        auto *table = panel->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
-        table->setCurrentCell(0, 1);
         int summaryRows = 0;
         QString firstCaption;
         bool stayedOpen = false;
@@ -321,7 +314,7 @@ private slots:
             if (stayedOpen)
                 dialog->reject();
         });
-        emit table->itemDoubleClicked(table->item(0, 1));
+        f.doubleClickRow(0);
         QCOMPARE(summaryRows > 0, summary);
         if (summary)
             QCOMPARE(firstCaption, QStringLiteral("01 B"));
@@ -405,7 +398,10 @@ private slots:
         QVERIFY(f.env.writeFile(path, content));
         f.open();
         QString message;
-        answerFile(path);
+        whenModal<QFileDialog>([path](QFileDialog *dialog) {
+            dialog->selectFile(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
         if (!valid)
             answerBox(QMessageBox::Yes, &message);
         f.click("pushButton_Import");
