@@ -19,7 +19,8 @@ namespace {
 
 constexpr int kAddPreset = 100;
 
-enum ETUBE_ROW { ROW_GLASS = 0, ROW_RF = 1, ROW_SEMICONDUCTOR = 2 };
+enum ETUBE_ROW { ROW_GLASS = 0, ROW_RF = 1, ROW_SEMICONDUCTOR = 2, TUBE_ROWS = 3 };
+const char *const kTubeNames[TUBE_ROWS] = {"Glass", "RF", "Semiconductor laser"};
 
 QString wording(const char *english)
 {
@@ -58,8 +59,7 @@ void DlgLaserTube::retranslate()
     ui->pushButton_add->setToolTip(wording("Add power"));
     ui->pushButton_del->setToolTip(wording("Delete power"));
     ui->pushButton_ok->setText(wording("OK"));
-    static const char *const kTubeNames[] = {"Glass", "RF", "Semiconductor laser"};
-    for (int row = 0; row < ui->comboBox_tube->count() && row < 3; ++row)
+    for (int row = 0; row < ui->comboBox_tube->count() && row < TUBE_ROWS; ++row)
         ui->comboBox_tube->setItemText(row, wording(kTubeNames[row]));
 }
 
@@ -99,10 +99,9 @@ void DlgLaserTube::fillTubes()
     {
         const QSignalBlocker blocker(ui->comboBox_tube);
         ui->comboBox_tube->clear();
-        const int types[] = {LASER_TUBE_GLASS, rf, LASER_TUBE_SEMICONDUCTOR};
-        const char *const names[] = {"Glass", "RF", "Semiconductor laser"};
-        for (int row = 0; row < 3; ++row) {
-            ui->comboBox_tube->addItem(wording(names[row]));
+        const int types[TUBE_ROWS] = {LASER_TUBE_GLASS, rf, LASER_TUBE_SEMICONDUCTOR};
+        for (int row = 0; row < TUBE_ROWS; ++row) {
+            ui->comboBox_tube->addItem(wording(kTubeNames[row]));
             if (m_store && m_store->UserLibrary().FindTube(quint32(types[row])))
                 ui->comboBox_tube->setItemData(row, types[row], ROLE_TUBE);
         }

@@ -11,6 +11,8 @@
 
 #include <QEvent>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QGridLayout>
 #include <QPixmap>
 #include <QSignalBlocker>
 #include <QToolTip>
@@ -51,13 +53,20 @@ DlgLayerAddMaterials::DlgLayerAddMaterials(bool thicknessEditable, int tubeType,
     SetThickness(m_thickness);
     ui->lineEdit_Thickness->setEnabled(thicknessEditable);
     if (tubeType == LASER_TUBE_SEMICONDUCTOR) {
-        // A diode laser engraves one way only: the deep craft is its fill.
+        // A diode source has a single fill process, which the deep craft stands for.
         ui->checkBox_swpShallow->setChecked(false);
         ui->checkBox_swpShallow->hide();
         m_swpShallow = false;
+        // Close the gap the hidden box leaves: Fill takes its place, Mark
+        // moves up beside it.
+        QGridLayout *grid = ui->gridLayout_crafts;
+        grid->removeWidget(ui->checkBox_swpDeep);
+        grid->removeWidget(ui->checkBox_vision);
+        grid->addWidget(ui->checkBox_swpDeep, 1, 0);
+        grid->addWidget(ui->checkBox_vision, 1, 1);
     }
     retranslate();
-    LoadIcon(m_iconPath);
+    showIcon(m_iconPath);
 }
 
 DlgLayerAddMaterials::~DlgLayerAddMaterials() = default;
@@ -101,15 +110,25 @@ void DlgLayerAddMaterials::SetName(const QString &name)
 void DlgLayerAddMaterials::SetIconPath(const QString &path)
 {
     m_iconPath = path;
-    const QPixmap pixmap(path);
-    if (!pixmap.isNull())
-        LoadIcon(path);
+    showIcon(path);
+}
+
+bool DlgLayerAddMaterials::showIcon(const QString &path)
+{
+    // Factory pictures are filed relative to the resource directory.
+    QString file = path;
+    if (!QFileInfo::exists(file) && path.startsWith(QLatin1String("/Res/")))
+        file = AppResourceDir() + path;
+    if (QPixmap(file).isNull())
+        return false;
+    ui->pushButton_icon->setStyleSheet(
+        QStringLiteral("QPushButton{border-image: url(%1)}").arg(file));
+    return true;
 }
 
 bool DlgLayerAddMaterials::LoadIcon(const QString &path)
 {
-    const QPixmap pixmap(path);
-    if (pixmap.isNull()) {
+    if (!showIcon(path)) {
         if (ui->pushButton_icon->isVisible()) {
             CMsgBoxQss box(QMessageBox::Information, wording("Tips"),
                            wording("Failed to open the image"), QMessageBox::Ok, this);
@@ -118,8 +137,6 @@ bool DlgLayerAddMaterials::LoadIcon(const QString &path)
         return false;
     }
     m_iconPath = path;
-    ui->pushButton_icon->setStyleSheet(
-        QStringLiteral("QPushButton{border-image: url(%1)}").arg(path));
     return true;
 }
 

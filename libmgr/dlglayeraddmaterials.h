@@ -21,7 +21,8 @@ public:
 
     void SetThickness(double thickness);
     void SetName(const QString &name);
-    // Edit mode: the material's picture; shown when it loads.
+    // Edit mode: the material's picture ("/Res/..." paths below the resource
+    // directory); shown when it loads, kept as given either way.
     void SetIconPath(const QString &path);
 
     bool IsCut() const { return m_cut; }
@@ -54,6 +55,7 @@ private slots:
 
 private:
     void retranslate();
+    bool showIcon(const QString &path);
 
     std::unique_ptr<Ui::DlgLayerAddMaterials> ui;
     std::unique_ptr<Validator> m_nameValidator;

@@ -5,10 +5,18 @@
 #include "ilog.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
+#include <QScreen>
+#include <QTreeWidget>
 #include <QTreeWidgetItem>
 
+#include <algorithm>
+
 namespace {
+
+// Room between the widest text of a column and the next column.
+constexpr int kColumnGap = 12;
 
 QString wording(const char *english)
 {
@@ -23,8 +31,14 @@ DlgTps::DlgTps(QWidget *parent, bool applyToLayers)
     , m_applyToLayers(applyToLayers)
 {
     ui->setupUi(this);
-    ui->treeWidget->setColumnCount(applyToLayers ? 4 : 3);
-    ui->treeWidget->header()->setSectionResizeMode(QHeaderView::Stretch);
+    QTreeWidget *tree = ui->treeWidget;
+    tree->setColumnCount(applyToLayers ? 4 : 3);
+    tree->header()->setSectionResizeMode(QHeaderView::Stretch);
+    // The layer cell holds a two-digit number: its room goes to the long
+    // per-laser captions.
+    if (applyToLayers)
+        tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    tree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     retranslate();
 }
 
@@ -53,6 +67,42 @@ void DlgTps::changeEvent(QEvent *event)
     if (event->type() == QEvent::LanguageChange)
         retranslate();
     BaseDialog::changeEvent(event);
+}
+
+void DlgTps::showEvent(QShowEvent *event)
+{
+    fitColumns();
+    BaseDialog::showEvent(event);
+}
+
+void DlgTps::fitColumns()
+{
+    // Grows the dialog until the widest text fits in every stretched column,
+    // within the screen: a cut caption or value would defeat the summary.
+    QTreeWidget *tree = ui->treeWidget;
+    // The tree hides the measure its base class offers to everyone.
+    const QAbstractItemView *view = tree;
+    QHeaderView *header = tree->header();
+    int fixed = 0;
+    int widest = 0;
+    int stretched = 0;
+    for (int column = 0; column < tree->columnCount(); ++column) {
+        const int wanted =
+            std::max(view->sizeHintForColumn(column), header->sectionSizeHint(column));
+        if (header->sectionResizeMode(column) == QHeaderView::Stretch) {
+            widest = std::max(widest, wanted + kColumnGap);
+            ++stretched;
+        } else {
+            fixed += wanted;
+        }
+    }
+    const int missing = fixed + widest * stretched - tree->viewport()->width();
+    if (missing <= 0)
+        return;
+    int target = width() + missing;
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        target = std::min(target, screen->availableGeometry().width());
+    resize(std::max(target, width()), height());
 }
 
 void DlgTps::AddRow(const QStringList &texts)

@@ -28,12 +28,14 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private slots:
     void on_btnSave_clicked();
 
 private:
     void retranslate();
+    void fitColumns();
 
     std::unique_ptr<Ui::DlgTps> ui;
     bool m_applyToLayers = false;

@@ -3,7 +3,6 @@
 #include "testenvironment.h"
 
 #include <QBuffer>
-#include <QColor>
 #include <QDir>
 #include <QImage>
 #include <QImageReader>
@@ -149,17 +148,17 @@ void tst_PictureEncoding::materialPicture_data()
     QTest::addColumn<QString>("iconPath");
     QTest::addColumn<QSize>("shown");
 
-    const QString red = QStringLiteral("<red 8x4>");
-    QTest::newRow("embedded picture wins") << red << "/Res/Icon/blue.png" << QSize(8, 4);
+    const QString red = QString::fromLatin1(
+        QByteArray::fromHex("89504e470d0a1a0a0000000d49484452000000020000000108020000007b40e8dd"
+                            "0000000d49444154789c63f8cfc000440008fe01ffc69e79f70000000049454e44"
+                            "ae426082")
+            .toBase64());
+    QTest::newRow("embedded picture wins") << red << "/Res/Icon/blue.png" << QSize(2, 1);
     QTest::newRow("path below the resources") << QString() << "/Res/Icon/blue.png" << QSize(6, 6);
-    QTest::newRow("path without leading slash") << QString() << "Res/Icon/blue.png" << QSize(6, 6);
-    QTest::newRow("absolute file path") << QString() << "<absolute>" << QSize(6, 6);
     QTest::newRow("garbage base64 falls back to the path")
-        << QStringLiteral("!!not base64!!") << "/Res/Icon/blue.png" << QSize(6, 6);
-    QTest::newRow("garbage base64, no path")
-        << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
+        << QStringLiteral("!!not base64!!") << "Res/Icon/blue.png" << QSize(6, 6);
     QTest::newRow("missing file") << QString() << "/Res/Icon/none.png" << QSize(0, 0);
-    QTest::newRow("nothing") << QString() << QString() << QSize(0, 0);
+    QTest::newRow("nothing") << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
 }
 
 void tst_PictureEncoding::materialPicture()
@@ -169,27 +168,12 @@ void tst_PictureEncoding::materialPicture()
     QFETCH(QSize, shown);
     TestEnvironment env;
     QDir().mkpath(env.resourceDir() + QStringLiteral("/Res/Icon"));
-    const QString blue = env.resourceDir() + QStringLiteral("/Res/Icon/blue.png");
-    QImage picture(6, 6, QImage::Format_RGB32);
-    picture.fill(Qt::blue);
-    QVERIFY(picture.save(blue));
+    QVERIFY(QImage(6, 6, QImage::Format_RGB32).save(env.resourceDir() + "/Res/Icon/blue.png"));
 
     CLibMaterial material;
-    material.iconPath = iconPath == QLatin1String("<absolute>") ? blue : iconPath;
+    material.iconPath = iconPath;
     material.iconBase64 = base64;
-    if (base64 == QLatin1String("<red 8x4>")) {
-        QImage red(8, 4, QImage::Format_RGB32);
-        red.fill(Qt::red);
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        QVERIFY(red.save(&buffer, "PNG"));
-        material.iconBase64 = QString::fromLatin1(buffer.data().toBase64());
-    }
-    const QImage image = MaterialPicture(material);
-    QCOMPARE(image.size(), shown);
-    if (!image.isNull())
-        QCOMPARE(QColor(image.pixel(0, 0)),
-                 shown == QSize(8, 4) ? QColor(Qt::red) : QColor(Qt::blue));
+    QCOMPARE(MaterialPicture(material).size(), shown);
 }
 
 QTEST_GUILESS_MAIN(tst_PictureEncoding)
