@@ -36,8 +36,7 @@ QString tubeName(int type)
 
 CLayerParamEditor::CLayerParamEditor(QWidget *parent)
     : QWidget(parent)
-{
-}
+{}
 
 CLayerParamEditor::~CLayerParamEditor() = default;
 

@@ -79,8 +79,7 @@ struct CParamFields::Field
 CParamFields::CParamFields(int unitMode, QObject *parent)
     : QObject(parent)
     , m_unitMode(unitMode)
-{
-}
+{}
 
 CParamFields::~CParamFields() = default;
 
@@ -96,11 +95,11 @@ void CParamFields::AddEdit(QLineEdit *edit, int kind, double min, double max, in
     field->decimals = kind == KIND_INTEGER ? 0 : decimals;
     field->access = std::move(access);
     if (kind == KIND_INTEGER)
-        field->validator = std::make_unique<Validator>(edit, int(min), int(max), validatorKind(kind),
-                                                       int(Validator::CHECK_INT_RANGE));
+        field->validator = std::make_unique<Validator>(
+            edit, int(min), int(max), validatorKind(kind), int(Validator::CHECK_INT_RANGE));
     else
-        field->validator = std::make_unique<Validator>(edit, min, max, decimals, validatorKind(kind),
-                                                       int(Validator::CHECK_DOUBLE_RANGE));
+        field->validator = std::make_unique<Validator>(
+            edit, min, max, decimals, validatorKind(kind), int(Validator::CHECK_DOUBLE_RANGE));
     edit->setValidator(field->validator.get());
     if (unitLabel && kind == KIND_SPEED && *SpeedUnitLabel(m_unitMode))
         unitLabel->setText(QString::fromLatin1(SpeedUnitLabel(m_unitMode)));

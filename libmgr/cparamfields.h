@@ -31,8 +31,7 @@ struct CParamAccess
     std::function<void(CLayerParam &, int laser, double value)> set;
 };
 
-template<typename T>
-T ParamFromDouble(double value)
+template <typename T> T ParamFromDouble(double value)
 {
     if constexpr (std::is_same_v<T, bool>) {
         return value != 0.0;
@@ -48,7 +47,7 @@ T ParamFromDouble(double value)
     }
 }
 
-template<typename Block, typename T>
+template <typename Block, typename T>
 CParamAccess BlockField(Block CLayerParam::*block, T Block::*field)
 {
     return {[=](const CLayerParam &layer, int) { return double(layer.*block.*field); },
@@ -57,7 +56,7 @@ CParamAccess BlockField(Block CLayerParam::*block, T Block::*field)
             }};
 }
 
-template<typename Block, typename T>
+template <typename Block, typename T>
 CParamAccess LaserField(Block CLayerParam::*block, T LaserParam::*field)
 {
     return {[=](const CLayerParam &layer, int laser) {
@@ -73,7 +72,7 @@ CParamAccess LaserField(Block CLayerParam::*block, T LaserParam::*field)
             }};
 }
 
-template<typename Block, typename T>
+template <typename Block, typename T>
 CParamAccess PenField(Block CLayerParam::*block, T PenParam::*field)
 {
     return {[=](const CLayerParam &layer, int) { return double((layer.*block).PEN.*field); },

@@ -29,8 +29,9 @@ DlgLayerParamCut::DlgLayerParamCut(QWidget *parent)
     setUpCommon();
     // The slower of the two axes bounds a cut.
     const QString path = FactoryParamIniPath();
-    m_speedLimit = std::min(ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SPEED_MAX_1"), 200, path),
-                            ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SPEED_MAX_2"), 200, path));
+    m_speedLimit =
+        std::min(ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SPEED_MAX_1"), 200, path),
+                 ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SPEED_MAX_2"), 200, path));
     addFields();
     finishSetUp();
 }
@@ -43,8 +44,8 @@ void DlgLayerParamCut::addFields()
     using L = LaserParam;
     const auto cut = &CLayerParam::CUT;
     CParamFields &f = fields();
-    const double height = ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99,
-                                     FactoryParamIniPath());
+    const double height =
+        ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99, FactoryParamIniPath());
 
     setItemValues(ui->comboBox_airAssist, {1, 0});
     setItemValues(ui->comboBox_leadType, {0, 1});

@@ -24,8 +24,7 @@ DlgLayerParamSweep::DlgLayerParamSweep(QWidget *parent)
                                  FactoryParamIniPath());
     addFields();
     // Sets do not carry the vertical order: it is the user's choice.
-    scratchLayer().SWEEP.SWEEP_VERT_TYPE =
-        ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
+    scratchLayer().SWEEP.SWEEP_VERT_TYPE = ReadIniInt(kSweepGroup, kVertKey, 0, UserParamIniPath());
     finishSetUp();
     SetDeepMode(false);
 }
@@ -39,8 +38,8 @@ void DlgLayerParamSweep::addFields()
     using S = SweepParam;
     const auto sweep = &CLayerParam::SWEEP;
     CParamFields &f = fields();
-    const double height = ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99,
-                                     FactoryParamIniPath());
+    const double height =
+        ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99, FactoryParamIniPath());
 
     ui->comboBox_airAssist->setItemData(0, 1);
     ui->comboBox_airAssist->setItemData(1, 0);
@@ -61,8 +60,7 @@ void DlgLayerParamSweep::addFields()
               BlockField(sweep, &S::CARVING_NUMBER));
     f.AddCheck(ui->checkBox_laserEnable, LaserField(sweep, &L::ENABLE));
 
-    f.AddEdit(ui->lineEdit_frequency, F::KIND_INTEGER, 1, 1000000, 0,
-              LaserField(sweep, &L::FREQ));
+    f.AddEdit(ui->lineEdit_frequency, F::KIND_INTEGER, 1, 1000000, 0, LaserField(sweep, &L::FREQ));
     f.AddEdit(ui->lineEdit_pulseWidth, F::KIND_INTEGER, 0, 100000, 0,
               LaserField(sweep, &L::PULSE_WIDTH));
     f.AddEdit(ui->lineEdit_jumpDelay, F::KIND_INTEGER, 0, 100000, 0,
@@ -101,7 +99,7 @@ void DlgLayerParamSweep::SetDeepMode(bool deep)
 {
     m_deep = deep;
     const std::initializer_list<QWidget *> deepOnly = {
-        ui->label_minPower, ui->lineEdit_minPower,    ui->label_minPowerUnit,
+        ui->label_minPower, ui->lineEdit_minPower,   ui->label_minPowerUnit,
         ui->checkBox_slope, ui->lineEdit_rampLength, ui->label_rampLengthUnit};
     for (QWidget *widget : deepOnly)
         widget->setVisible(deep);

@@ -8,11 +8,11 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QSettings>
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -22,59 +22,78 @@
 
 namespace {
 
-// What an edit changes: the test applies it to its own copy of the record.
-using Expect = std::function<void(CLibCutSet &, CLibSweepSet &, CLayerParam &)>;
-
-CLibCutSet sampleCutSet()
+// One record of each kind the editors load; a row's edit changes one of them.
+struct Records
 {
-    CLibCutSet set;
-    set.key.craft = LIB_CRAFT_CUTTING;
-    set.key.material = QStringLiteral("Plywood");
-    set.note = QStringLiteral("mine");
-    set.blowing = true;
-    set.speed = 12.345;
-    set.laser1.power = 55.55;
-    set.laser1.turnPower = 33.3;
-    set.laser1.frequency = 5000;
-    set.laser2.jumpDelay = 40;
-    set.bridges = true;
-    set.bridgesSpace = 12.7;
-    set.useGuideLine = true;
-    set.guideIn = 1;
-    set.useCompensate = true;
-    set.pen.enableUpDown = true;
-    set.guideInLen = 0.333;
-    set.pen.downHeight = 4.5;
-    return set;
+    CLibCutSet cut;
+    CLibSweepSet sweep;
+    CLayerParam layer{0xff0000};
+
+    friend bool operator==(const Records &a, const Records &b)
+    {
+        return a.cut == b.cut && a.sweep == b.sweep && a.layer == b.layer;
+    }
+};
+using Expect = std::function<void(Records &)>;
+
+Records samples()
+{
+    Records r;
+    r.cut.key.material = QStringLiteral("Plywood");
+    r.cut.note = QStringLiteral("mine");
+    r.cut.blowing = true;
+    r.cut.speed = 12.345; // no round number in any unit
+    r.cut.laser1.power = 55.55;
+    r.cut.laser1.turnPower = 33.3;
+    r.cut.laser2.jumpDelay = 40;
+    r.cut.bridges = true;
+    r.cut.bridgesSpace = 12.7;
+    r.cut.useGuideLine = true;
+    r.cut.guideIn = 1;
+    r.cut.useCompensate = true;
+    r.cut.pen.enableUpDown = true;
+    r.cut.pen.downHeight = 4.5;
+    r.sweep.key.craft = LIB_CRAFT_DEEP;
+    r.sweep.speed = 333.333;
+    r.sweep.laser1.power = r.sweep.maxPower = 66.6;
+    r.sweep.dpi = 7;
+    r.sweep.rampLength = 1.234;
+    r.sweep.isRamp = true;
+    r.sweep.minPower = 9.9;
+    r.sweep.carvingNumber = 4;
+    r.layer.WORK_TYPE = WORK_DEEP_ENGRAVE;
+    r.layer.CUT.LASER1.DWELL_MODE = true;
+    r.layer.CUT.GUIDE_TYPE = 7; // not one of the combo's choices
+    r.layer.SWEEP.SWEEP_SPEED = 123.456;
+    r.layer.SWEEP.LASER2.POWER_MAX = 44.4;
+    return r;
 }
 
-CLibSweepSet sampleSweepSet()
+std::unique_ptr<CLayerParamEditor> makeEditor(bool cut)
 {
-    CLibSweepSet set;
-    set.key.craft = LIB_CRAFT_DEEP;
-    set.speed = 333.333;
-    set.laser1.power = 66.6;
-    set.dpi = 7;
-    set.rampLength = 1.234;
-    set.isRamp = true;
-    set.minPower = 9.9;
-    set.maxPower = 66.6;
-    set.carvingNumber = 4;
-    set.offsetDistance = 0.15;
-    return set;
+    if (cut)
+        return std::make_unique<DlgLayerParamCut>();
+    return std::make_unique<DlgLayerParamSweep>();
 }
 
-CLayerParam sampleLayer()
+// source: "cut set", "sweep set", "cut layer" or "sweep layer".
+void load(CLayerParamEditor *editor, const QString &source, const Records &r)
 {
-    CLayerParam layer(0xff0000);
-    layer.WORK_TYPE = WORK_DEEP_ENGRAVE;
-    layer.CUT.CUT_SPEED = 7.77;
-    layer.CUT.LASER2.ENABLE = false;
-    layer.CUT.LASER1.DWELL_MODE = true;
-    layer.CUT.GUIDE_TYPE = 7; // not one of the combo's choices
-    layer.SWEEP.SWEEP_SPEED = 123.456;
-    layer.SWEEP.LASER2.POWER_MAX = 44.4;
-    return layer;
+    const bool set = source.endsWith(QLatin1String("set"));
+    if (auto *cut = qobject_cast<DlgLayerParamCut *>(editor))
+        set ? cut->LoadSet(r.cut) : cut->LoadLayer(r.layer);
+    else if (auto *sweep = qobject_cast<DlgLayerParamSweep *>(editor))
+        set ? sweep->LoadSet(r.sweep) : sweep->LoadLayer(r.layer);
+}
+
+Records readBack(const CLayerParamEditor *editor, const QString &source, Records r)
+{
+    const bool set = source.endsWith(QLatin1String("set"));
+    if (auto *cut = qobject_cast<const DlgLayerParamCut *>(editor))
+        set ? cut->ReadSet(r.cut) : cut->ReadLayer(r.layer);
+    else if (auto *sweep = qobject_cast<const DlgLayerParamSweep *>(editor))
+        set ? sweep->ReadSet(r.sweep) : sweep->ReadLayer(r.layer);
+    return r;
 }
 
 // Edits a field as a user does: types into a line edit, clicks a box, steps
@@ -99,8 +118,7 @@ void setUnit(const TestEnvironment &env, int unit)
                   QStringLiteral("[APP_CFG]\nKEY_RULER_UNIT=%1\n").arg(unit).toUtf8());
 }
 
-template<typename T>
-T *child(QWidget *editor, const QString &name)
+template <typename T> T *child(QWidget *editor, const QString &name)
 {
     T *widget = editor->findChild<T *>(name);
     if (!widget)
@@ -123,146 +141,81 @@ private slots:
     void ranges();
     void lockAndReadOnly_data();
     void lockAndReadOnly();
-    void dependentFields_data();
     void dependentFields();
     void userSettingsAndLanguage();
 };
 
+// Row names start with the record that is loaded.
 void tst_DlgLayerParamEditors::roundTrip_data()
 {
-    QTest::addColumn<QString>("source"); // cut set, sweep set, cut layer, sweep layer
     QTest::addColumn<int>("unit");
     QTest::addColumn<int>("laser");
     QTest::addColumn<QString>("widget");
     QTest::addColumn<QString>("input");
     QTest::addColumn<Expect>("expect");
 
-    const auto row = [](const char *name, const char *source, int unit, int laser,
-                        const char *widget, const char *input, Expect expect) {
-        QTest::newRow(name) << QString::fromLatin1(source) << unit << laser
-                            << QString::fromLatin1(widget) << QString::fromLatin1(input) << expect;
+    const auto row = [](const char *name, int unit, int laser, const char *widget,
+                        const char *input, Expect expect) {
+        QTest::newRow(name) << unit << laser << QString::fromLatin1(widget)
+                            << QString::fromLatin1(input) << expect;
     };
-    row("cut set speed mm/min", "cut set", 3, 1, "lineEdit_speed", "600",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.speed = 10.0; });
-    row("cut set speed inch/s", "cut set", 0, 1, "lineEdit_speed", "2",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.speed = 50.8; });
-    row("cut set corner power", "cut set", 1, 1, "lineEdit_cornerPower", "35.5",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.laser1.turnPower = 35.5; });
-    row("cut set laser 2 jump delay", "cut set", 1, 2, "lineEdit_jumpDelay", "120",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.laser2.jumpDelay = 120; });
-    row("cut set tab distance inch/min", "cut set", 2, 1, "lineEdit_tabDistance", "2",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.bridgesSpace = 50.8; });
-    row("cut set lead-in off", "cut set", 1, 1, "checkBox_leadIn", "",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.guideIn = 0; });
-    row("cut set compensation inward", "cut set", 1, 1, "comboBox_compensationDirection", "down",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.compensateOutward = false; });
-    row("cut set processing focus", "cut set", 1, 1, "doubleSpinBox_processingFocus", "up",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.pen.downHeight = 5.5; });
-    row("cut set air assist low", "cut set", 1, 1, "comboBox_airAssist", "down",
-        [](CLibCutSet &s, CLibSweepSet &, CLayerParam &) { s.blowing = false; });
-    row("cut layer passes", "cut layer", 1, 1, "lineEdit_passes", "3",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.CUT.CUTTING_NUMBER = 3; });
-    row("cut layer laser 2 on", "cut layer", 1, 2, "checkBox_laserEnable", "",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.CUT.LASER2.ENABLE = true; });
-    row("cut layer dwell power", "cut layer", 1, 1, "lineEdit_dwellPower", "12.5",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.CUT.LASER1.DWELL_POWER = 12.5; });
-    row("sweep set resolution", "sweep set", 1, 1, "comboBox_resolution", "down",
-        [](CLibCutSet &, CLibSweepSet &s, CLayerParam &) { s.dpi = 8; });
-    row("sweep set deep min power", "sweep set", 1, 1, "lineEdit_minPower", "7.5",
-        [](CLibCutSet &, CLibSweepSet &s, CLayerParam &) { s.minPower = 7.5; });
-    row("sweep set ramp inch/s", "sweep set", 0, 1, "lineEdit_rampLength", "0.5",
-        [](CLibCutSet &, CLibSweepSet &s, CLayerParam &) { s.rampLength = 12.7; });
-    row("sweep set one way", "sweep set", 1, 1, "comboBox_mode", "down",
-        [](CLibCutSet &, CLibSweepSet &s, CLayerParam &) { s.mode = 1; });
-    row("sweep layer laser 2 power", "sweep layer", 1, 2, "lineEdit_maxPower", "50",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.SWEEP.LASER2.POWER_MAX = 50.0; });
-    row("sweep layer speed mm/min", "sweep layer", 3, 1, "lineEdit_speed", "30000",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.SWEEP.SWEEP_SPEED = 500.0; });
-    row("sweep layer 3D relief", "sweep layer", 1, 1, "checkBox_relief", "",
-        [](CLibCutSet &, CLibSweepSet &, CLayerParam &l) { l.SWEEP.SWEEP_IS3DRELIEF = true; });
+    row("cut set speed mm/min", 3, 1, "lineEdit_speed", "600",
+        [](Records &r) { r.cut.speed = 10.0; });
+    row("cut set speed inch/s", 0, 1, "lineEdit_speed", "2",
+        [](Records &r) { r.cut.speed = 50.8; });
+    row("cut set corner power", 1, 1, "lineEdit_cornerPower", "35.5",
+        [](Records &r) { r.cut.laser1.turnPower = 35.5; });
+    row("cut set laser 2 jump delay", 1, 2, "lineEdit_jumpDelay", "120",
+        [](Records &r) { r.cut.laser2.jumpDelay = 120; });
+    row("cut set tab distance inch/min", 2, 1, "lineEdit_tabDistance", "2",
+        [](Records &r) { r.cut.bridgesSpace = 50.8; });
+    row("cut set lead-in off", 1, 1, "checkBox_leadIn", "", [](Records &r) { r.cut.guideIn = 0; });
+    row("cut set compensation inward", 1, 1, "comboBox_compensationDirection", "down",
+        [](Records &r) { r.cut.compensateOutward = false; });
+    row("cut set processing focus", 1, 1, "doubleSpinBox_processingFocus", "up",
+        [](Records &r) { r.cut.pen.downHeight = 5.5; });
+    row("cut layer passes", 1, 1, "lineEdit_passes", "3",
+        [](Records &r) { r.layer.CUT.CUTTING_NUMBER = 3; });
+    row("cut layer laser 2 on", 1, 2, "checkBox_laserEnable", "",
+        [](Records &r) { r.layer.CUT.LASER2.ENABLE = true; });
+    row("sweep set resolution", 1, 1, "comboBox_resolution", "down",
+        [](Records &r) { r.sweep.dpi = 8; });
+    row("sweep set deep min power", 1, 1, "lineEdit_minPower", "7.5",
+        [](Records &r) { r.sweep.minPower = 7.5; });
+    row("sweep layer speed mm/min", 3, 1, "lineEdit_speed", "30000",
+        [](Records &r) { r.layer.SWEEP.SWEEP_SPEED = 500.0; });
 }
 
 // Load, read back unchanged, edit one field, read back: exactly that field
-// changes, whatever the display unit rounds.
+// changes, whatever the display unit rounds; loads stay silent, edits signal
+// and log.
 void tst_DlgLayerParamEditors::roundTrip()
 {
-    QFETCH(QString, source);
     QFETCH(int, unit);
     QFETCH(int, laser);
     QFETCH(QString, widget);
     QFETCH(QString, input);
     QFETCH(Expect, expect);
+    const QString tag = QString::fromLatin1(QTest::currentDataTag());
+    const QString source = tag.section(QLatin1Char(' '), 0, 1);
 
     TestEnvironment env;
     setUnit(env, unit);
-    const bool cut = source.startsWith(QLatin1String("cut"));
-    std::unique_ptr<CLayerParamEditor> editor;
-    if (cut)
-        editor = std::make_unique<DlgLayerParamCut>();
-    else
-        editor = std::make_unique<DlgLayerParamSweep>();
+    const auto editor = makeEditor(source.startsWith(QLatin1String("cut")));
     QSignalSpy changes(editor.get(), &CLayerParamEditor::DataChange);
     editor->SetDualLaser(true);
     editor->SetFirstLaser(laser == 1);
-
-    CLibCutSet cutSet = sampleCutSet();
-    CLibSweepSet sweepSet = sampleSweepSet();
-    CLayerParam layer = sampleLayer();
-    auto *cutEditor = qobject_cast<DlgLayerParamCut *>(editor.get());
-    auto *sweepEditor = qobject_cast<DlgLayerParamSweep *>(editor.get());
-    const auto load = [&] {
-        if (source == QLatin1String("cut set"))
-            cutEditor->LoadSet(cutSet);
-        else if (source == QLatin1String("sweep set"))
-            sweepEditor->LoadSet(sweepSet);
-        else if (cut)
-            cutEditor->LoadLayer(layer);
-        else
-            sweepEditor->LoadLayer(layer);
-    };
-    const auto read = [&](CLibCutSet &c, CLibSweepSet &s, CLayerParam &l) {
-        if (source == QLatin1String("cut set"))
-            cutEditor->ReadSet(c);
-        else if (source == QLatin1String("sweep set"))
-            sweepEditor->ReadSet(s);
-        else if (cut)
-            cutEditor->ReadLayer(l);
-        else
-            sweepEditor->ReadLayer(l);
-    };
-    load();
-    CLibCutSet cutBack;
-    CLibSweepSet sweepBack;
-    CLayerParam layerBack;
-    cutBack.key = cutSet.key;
-    cutBack.note = cutSet.note;
-    sweepBack.key = sweepSet.key;
-    layerBack = layer;
-    read(cutBack, sweepBack, layerBack);
-    if (source == QLatin1String("cut set"))
-        QCOMPARE(cutBack, cutSet);
-    else if (source == QLatin1String("sweep set"))
-        QCOMPARE(sweepBack, sweepSet);
-    else
-        QCOMPARE(layerBack, layer);
+    Records records = samples();
+    load(editor.get(), source, records);
+    QVERIFY(readBack(editor.get(), source, records) == records);
     QCOMPARE(changes.count(), 0);
 
-    env.clearLog();
     userEdit(child<QWidget>(editor.get(), widget), input);
     QVERIFY(changes.count() > 0);
-    QVERIFY2(env.logLines().join(QLatin1Char('\n')).contains(QStringLiteral("0|%1 was ").arg(widget)),
-             qPrintable(env.logLines().join(QLatin1Char('\n'))));
-    expect(cutSet, sweepSet, layer);
-    read(cutBack, sweepBack, layerBack);
-    if (source == QLatin1String("cut set")) {
-        QCOMPARE(cutBack.speed, cutSet.speed);
-        QCOMPARE(cutBack, cutSet);
-    } else if (source == QLatin1String("sweep set")) {
-        QCOMPARE(sweepBack, sweepSet);
-    } else {
-        QCOMPARE(layerBack.SWEEP.SWEEP_SPEED, layer.SWEEP.SWEEP_SPEED);
-        QCOMPARE(layerBack, layer);
-    }
+    QVERIFY(
+        env.logLines().join(QLatin1Char('\n')).contains(QStringLiteral("0|%1 was ").arg(widget)));
+    expect(records);
+    QVERIFY(readBack(editor.get(), source, samples()) == records);
 }
 
 void tst_DlgLayerParamEditors::ranges_data()
@@ -279,24 +232,24 @@ void tst_DlgLayerParamEditors::ranges_data()
     const QByteArray none;
     const QByteArray motors("[FACTORY_PARAM_MOTOR]\nMOTOR_SPEED_MAX_1=300\nMOTOR_SPEED_MAX_2=150\n"
                             "MOTOR_SIZE_3=50\n");
-    QTest::newRow("cut speed over the default limit") << true << 1 << none << "lineEdit_speed"
-                                                      << "250" << "0" << "mm/s" << 99.0;
-    QTest::newRow("cut speed under the slower axis") << true << 1 << motors << "lineEdit_speed"
-                                                     << "150" << "150" << "mm/s" << 50.0;
-    QTest::newRow("cut speed over the slower axis") << true << 1 << motors << "lineEdit_speed"
-                                                    << "160" << "0" << "mm/s" << 50.0;
-    QTest::newRow("cut speed mm/min") << true << 3 << none << "lineEdit_speed" << "150" << "150"
-                                      << "mm/min" << 99.0;
-    QTest::newRow("cut length inch") << true << 0 << motors << "lineEdit_sealLength" << "0.5"
-                                     << "0.5" << "inch" << 50.0 / 25.4;
-    QTest::newRow("sweep speed default limit") << false << 1 << none << "lineEdit_speed" << "999"
-                                               << "999" << "mm/s" << 99.0;
-    QTest::newRow("sweep speed inch/s") << false << 0 << none << "lineEdit_speed" << "2" << "2"
-                                        << "inch/s" << 99.0 / 25.4;
-    QTest::newRow("power under the minimum") << false << 1 << none << "lineEdit_maxPower" << "0"
-                                             << "0.1" << "%" << 99.0;
-    QTest::newRow("passes empty") << true << 1 << none << "lineEdit_passes" << "" << "1" << ""
-                                  << 99.0;
+    const auto row = [](const char *name, bool cut, int unit, const QByteArray &factory,
+                        const char *widget, const char *typed, const char *left, const char *label,
+                        double heightMax) {
+        QTest::newRow(name) << cut << unit << factory << QString::fromLatin1(widget)
+                            << QString::fromLatin1(typed) << QString::fromLatin1(left)
+                            << QString::fromUtf8(label) << heightMax;
+    };
+    row("cut speed over the default limit", true, 1, none, "lineEdit_speed", "250", "0", "mm/s",
+        99.0);
+    row("cut speed under the slower axis", true, 1, motors, "lineEdit_speed", "150", "150", "mm/s",
+        50.0);
+    row("cut speed over the slower axis", true, 1, motors, "lineEdit_speed", "160", "0", "mm/s",
+        50.0);
+    row("cut speed mm/min", true, 3, none, "lineEdit_speed", "150", "150", "mm/min", 99.0);
+    row("cut length inch", true, 0, motors, "lineEdit_sealLength", "0.5", "0.5", "inch",
+        50.0 / 25.4);
+    row("sweep speed default limit", false, 1, none, "lineEdit_speed", "999", "999", "mm/s", 99.0);
+    row("power under the minimum", false, 1, none, "lineEdit_maxPower", "0", "0.1", "%", 99.0);
 }
 
 void tst_DlgLayerParamEditors::ranges()
@@ -314,19 +267,13 @@ void tst_DlgLayerParamEditors::ranges()
     setUnit(env, unit);
     if (!factory.isEmpty())
         env.writeFile(QStringLiteral("FactoryParam.ini"), factory);
-    std::unique_ptr<QWidget> editor;
-    if (cut)
-        editor = std::make_unique<DlgLayerParamCut>();
-    else
-        editor = std::make_unique<DlgLayerParamSweep>();
+    const auto editor = makeEditor(cut);
     auto *edit = child<QLineEdit>(editor.get(), widget);
-    const QString labelName = QString(widget).replace(QLatin1String("lineEdit_"),
-                                                      QLatin1String("label_"))
-        + QLatin1String("Unit");
-    QCOMPARE(child<QLabel>(editor.get(), labelName)->text(), label);
-    QCOMPARE(child<QDoubleSpinBox>(editor.get(), QStringLiteral("doubleSpinBox_safetyFocus"))
-                 ->maximum(),
-             std::round(heightMax * 1000.0) / 1000.0);
+    const QString unitLabel = widget.mid(widget.indexOf(QLatin1Char('_'))) + QLatin1String("Unit");
+    QCOMPARE(child<QLabel>(editor.get(), QLatin1String("label") + unitLabel)->text(), label);
+    QCOMPARE(
+        child<QDoubleSpinBox>(editor.get(), QStringLiteral("doubleSpinBox_safetyFocus"))->maximum(),
+        std::round(heightMax * 1000.0) / 1000.0);
 
     edit->selectAll();
     QTest::keyClick(edit, Qt::Key_Delete);
@@ -341,15 +288,14 @@ void tst_DlgLayerParamEditors::lockAndReadOnly_data()
     QTest::addColumn<QByteArray>("userParam");
     QTest::addColumn<bool>("editable");
     QTest::addColumn<bool>("clickLock"); // before saving
-    QTest::addColumn<QString>("written");  // BLOCK_PROCESS_PARAM after saving, "" when no save
+    QTest::addColumn<QString>("stored"); // BLOCK_PROCESS_PARAM after the save button
 
+    const QByteArray locked("[BLOCK]\nBLOCK_PROCESS_PARAM=5\n");
     QTest::newRow("no file, editable") << QByteArray() << true << false << "0";
     QTest::newRow("no file, lock and save") << QByteArray() << true << true << "1";
-    QTest::newRow("locked by 5") << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=5\n") << true << false
-                                 << "1";
-    QTest::newRow("locked, unlock and save") << QByteArray("[BLOCK]\nBLOCK_PROCESS_PARAM=5\n")
-                                             << true << true << "0";
-    QTest::newRow("read only saves nothing") << QByteArray() << false << false << "";
+    QTest::newRow("locked by 5") << locked << true << false << "1";
+    QTest::newRow("locked, unlock and save") << locked << true << true << "0";
+    QTest::newRow("read only saves nothing") << locked << false << false << "5";
 }
 
 void tst_DlgLayerParamEditors::lockAndReadOnly()
@@ -357,84 +303,52 @@ void tst_DlgLayerParamEditors::lockAndReadOnly()
     QFETCH(QByteArray, userParam);
     QFETCH(bool, editable);
     QFETCH(bool, clickLock);
-    QFETCH(QString, written);
+    QFETCH(QString, stored);
 
     TestEnvironment env;
-    if (!userParam.isEmpty())
-        env.writeFile(QStringLiteral("UserParam.ini"), userParam);
     for (bool cut : {true, false}) {
-        std::unique_ptr<CLayerParamEditor> editor;
-        if (cut)
-            editor = std::make_unique<DlgLayerParamCut>();
-        else
-            editor = std::make_unique<DlgLayerParamSweep>();
+        env.writeFile(QStringLiteral("UserParam.ini"), userParam);
+        const auto editor = makeEditor(cut);
         QSignalSpy saves(editor.get(), &CLayerParamEditor::SigSaveUserPar);
         editor->SetEditable(editable);
-        QCOMPARE(editor->IsEditable(), editable);
         auto *lock = child<QCheckBox>(editor.get(), QStringLiteral("checkBox_lock"));
         if (clickLock)
             lock->click();
-        const bool locked = lock->isChecked();
         auto *speed = child<QLineEdit>(editor.get(), QStringLiteral("lineEdit_speed"));
         QCOMPARE(speed->isReadOnly(), !editable);
-        QCOMPARE(speed->isEnabled(), !locked);
+        QCOMPARE(speed->isEnabled(), !lock->isChecked());
         QCOMPARE(child<QComboBox>(editor.get(), QStringLiteral("comboBox_airAssist"))->isEnabled(),
-                 editable && !locked);
+                 editable && !lock->isChecked());
 
         child<QPushButton>(editor.get(), QStringLiteral("pushButton_save"))->click();
-        QCOMPARE(saves.count(), written.isEmpty() ? 0 : 1);
-        const QString path = env.dataFile(QStringLiteral("UserParam.ini"));
-        const QString stored = QSettings(path, QSettings::IniFormat)
-                                   .value(QStringLiteral("BLOCK/BLOCK_PROCESS_PARAM"))
-                                   .toString();
-        QCOMPARE(stored, written.isEmpty() ? QString::fromLatin1(userParam.isEmpty() ? "" : "5")
-                                           : written);
-        env.writeFile(QStringLiteral("UserParam.ini"), userParam);
+        QCOMPARE(saves.count(), editable ? 1 : 0);
+        const QSettings ini(env.dataFile(QStringLiteral("UserParam.ini")), QSettings::IniFormat);
+        QCOMPARE(ini.value(QStringLiteral("BLOCK/BLOCK_PROCESS_PARAM")).toString(), stored);
     }
-}
-
-void tst_DlgLayerParamEditors::dependentFields_data()
-{
-    QTest::addColumn<bool>("cut");
-    QTest::addColumn<QString>("toggle");
-    QTest::addColumn<QString>("dependent");
-    QTest::addColumn<QString>("chained"); // depends on the dependent
-
-    QTest::newRow("tabs") << true << "checkBox_tabs" << "lineEdit_tabDistance" << "";
-    QTest::newRow("leads") << true << "checkBox_leads" << "checkBox_leadIn"
-                           << "lineEdit_leadInLength";
-    QTest::newRow("dynamic focus") << false << "checkBox_dynamicFocus" << "checkBox_penUp"
-                                   << "doubleSpinBox_safetyFocus";
-    QTest::newRow("offset") << false << "checkBox_offset" << "lineEdit_offsetStep" << "";
 }
 
 // A value that belongs to a switch is usable only while the switch is on.
 void tst_DlgLayerParamEditors::dependentFields()
 {
-    QFETCH(bool, cut);
-    QFETCH(QString, toggle);
-    QFETCH(QString, dependent);
-    QFETCH(QString, chained);
-
     TestEnvironment env;
-    std::unique_ptr<QWidget> editor;
-    if (cut)
-        editor = std::make_unique<DlgLayerParamCut>();
-    else
-        editor = std::make_unique<DlgLayerParamSweep>();
-    auto *box = child<QCheckBox>(editor.get(), toggle);
-    QWidget *widget = child<QWidget>(editor.get(), dependent);
-    QWidget *next = chained.isEmpty() ? nullptr : child<QWidget>(editor.get(), chained);
-    box->setChecked(false);
-    QVERIFY(!widget->isEnabled());
-    box->click();
-    QVERIFY(widget->isEnabled());
-    if (next) {
-        auto *middle = qobject_cast<QCheckBox *>(widget);
-        middle->setChecked(true);
-        QVERIFY(next->isEnabled());
+    DlgLayerParamCut cut;
+    DlgLayerParamSweep sweep;
+    const struct
+    {
+        QWidget *editor;
+        const char *toggle;
+        const char *dependent;
+    } cases[] = {
+        {&cut, "checkBox_leads", "lineEdit_leadInLength"}, // and Lead-In, on by default
+        {&sweep, "checkBox_dynamicFocus", "doubleSpinBox_safetyFocus"},
+        {&sweep, "checkBox_offset", "lineEdit_offsetStep"},
+    };
+    for (const auto &c : cases) {
+        auto *box = child<QCheckBox>(c.editor, QString::fromLatin1(c.toggle));
+        QWidget *widget = child<QWidget>(c.editor, QString::fromLatin1(c.dependent));
+        QVERIFY2(!box->isChecked() && !widget->isEnabled(), c.dependent);
         box->click();
-        QVERIFY(!next->isEnabled());
+        QVERIFY2(widget->isEnabled(), c.dependent);
     }
 }
 
@@ -447,7 +361,8 @@ void tst_DlgLayerParamEditors::userSettingsAndLanguage()
         sweep.SetFirstLaser(false);
         QCOMPARE(sweep.CurrentLaser(), 1);
         QVERIFY(child<QComboBox>(&sweep, QStringLiteral("comboBox_laser"))->isHidden());
-        QTest::keyClick(child<QComboBox>(&sweep, QStringLiteral("comboBox_direction")), Qt::Key_Down);
+        QTest::keyClick(child<QComboBox>(&sweep, QStringLiteral("comboBox_direction")),
+                        Qt::Key_Down);
     }
     QVERIFY(env.readFile(QStringLiteral("UserParam.ini")).contains("SWEEP_VERT_TYPE=1"));
     DlgLayerParamSweep sweep;
@@ -459,14 +374,10 @@ void tst_DlgLayerParamEditors::userSettingsAndLanguage()
     auto *mode = child<QComboBox>(&sweep, QStringLiteral("comboBox_mode"));
     CTranslator::GetInstance()->SetResourceDir(QStringLiteral(LAYERMGR_SOURCE_DIR "/resources"));
     CTranslator::GetInstance()->SetLanguage(QStringLiteral("Chs"));
-    QCoreApplication::sendPostedEvents();
-    QEvent change(QEvent::LanguageChange);
-    QCoreApplication::sendEvent(&sweep, &change);
     QCOMPARE(speed->text(), QStringLiteral("速度"));
     QCOMPARE(mode->itemText(0), QStringLiteral("水平双向"));
     CTranslator::GetInstance()->SetLanguage(QString());
     CTranslator::GetInstance()->SetResourceDir(QString());
-    QCoreApplication::sendEvent(&sweep, &change);
     QCOMPARE(speed->text(), QStringLiteral("Speed"));
     QCOMPARE(mode->itemText(0), QStringLiteral("HoriZontal bidirectional"));
 }
