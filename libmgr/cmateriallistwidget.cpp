@@ -64,14 +64,27 @@ CMaterialListWidget::CMaterialListWidget(QWidget *parent)
 void CMaterialListWidget::SetItemCountPerRow(int count)
 {
     m_itemCountPerRow = count;
-    // A resize by one pixel and back lays the items out again at once.
+    // A resize by one pixel and back lays the items out again at once. The
+    // sizes are applied once it is back at its width (a shown widget of fixed
+    // size does not resize at all); a hidden one gets them with its first
+    // layout.
+    m_relayingOut = true;
     resize(width() - 1, height() - 1);
     resize(width() + 1, height() + 1);
+    m_relayingOut = false;
+    if (isVisible())
+        applyItemSizes();
 }
 
 void CMaterialListWidget::resizeEvent(QResizeEvent *event)
 {
     QListWidget::resizeEvent(event);
+    if (!m_relayingOut)
+        applyItemSizes();
+}
+
+void CMaterialListWidget::applyItemSizes()
+{
     if (m_itemCountPerRow < 1 || count() != m_itemCountPerRow)
         return;
     const QSize itemSize(width() / m_itemCountPerRow, height());

@@ -46,12 +46,14 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    void applyItemSizes();
     void startPreview(QWidget *rowWidget);
     void previewTimeout();
     void hidePreview();
 
     int m_itemCountPerRow = 3;
     int m_previewRow = -1;
+    bool m_relayingOut = false;
     QLabel *m_preview = nullptr;
     QTimer *m_previewTimer = nullptr;
 };

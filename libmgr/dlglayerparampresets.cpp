@@ -13,6 +13,8 @@
 #include <QMenu>
 #include <QSignalBlocker>
 
+#include <iterator>
+
 namespace {
 
 const QString kMenuName = QStringLiteral("CCustomGalleryOprMenu");

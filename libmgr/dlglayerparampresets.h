@@ -23,6 +23,9 @@ class DlgLayerParamPresets;
 // The last row of the material and thickness choosers is the dialog's custom
 // entry ("Custom material", "Custom Thickness"): choosing it keeps the current
 // row and asks for an addition (type 0); it has no context menu.
+//
+// After construction the scheme is "Temporary" and only the first laser's
+// button shows, checked.
 class DlgLayerParamPresets : public QWidget
 {
     Q_OBJECT

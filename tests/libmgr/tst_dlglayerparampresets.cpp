@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMimeData>
 #include <QRadioButton>
@@ -35,11 +36,15 @@ struct PanelFixture
             panel.AddMaterial(QString::fromLatin1(name), QString());
         for (const char *name : {"1.0mm", "3.0mm", "5.0mm", "Custom Thickness"})
             panel.AddThickness(QString::fromLatin1(name));
-        for (int craft = 0; craft < 5; ++craft)
-            panel.AddCraft(QString::number(craft), craft);
         panel.SetCurrentMaterial(1);
         panel.SetCurrentThickness(1);
         panel.show();
+        // Crafts come and go while the panel is shown.
+        for (int fill = 0; fill < 2; ++fill) {
+            panel.ClearCrafts();
+            for (int craft = 0; craft < 5; ++craft)
+                panel.AddCraft(QString::number(craft), craft);
+        }
     }
     // The chooser's request signal (mean) or its index signal.
     static QMetaMethod signal(const QString &combo, bool mean)
@@ -136,7 +141,8 @@ private slots:
         if (emitted)
             QCOMPARE(clicked.at(0).at(0).value<QListWidgetItem *>(), list->item(1));
         QCOMPARE(craft ? f.panel.CurrentCraftRow() : f.panel.CurrentScheme(), 1);
-        // Both are strips of equal cells: five crafts, three schemes.
+        // Both are strips of equal cells across the panel: five crafts, three schemes.
+        QCOMPARE(list->width(), f.panel.layout()->contentsRect().width());
         QCOMPARE(list->item(1)->sizeHint(), QSize(list->width() / (craft ? 5 : 3), list->height()));
     }
 
