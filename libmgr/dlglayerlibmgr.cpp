@@ -280,7 +280,8 @@ void DlgLayerLibMgr::readMachine()
 
     if (!m_devices)
         return;
-    if (kind == 2 && laserCount == 2 && value("CurrentRdCardType").toInt() == 8 && lasers[1].present)
+    if (kind == 2 && laserCount == 2 && value("CurrentRdCardType").toInt() == 8
+        && lasers[1].present)
         m_dualLaser = true;
     if (kind == 1 && value("IsDualLaser").toBool()) {
         m_dualLaser = true;

@@ -204,7 +204,8 @@ private slots:
         int shownRow = -1;
         whenModal<DlgLayerLibMgr>([&](DlgLayerLibMgr *dialog) {
             labels = dialog->RowLabels();
-            shownRow = dialog->findChild<QListWidget *>(QStringLiteral("listWidget_Layer"))->currentRow();
+            shownRow =
+                dialog->findChild<QListWidget *>(QStringLiteral("listWidget_Layer"))->currentRow();
             dialog->reject();
         });
         f.doubleClickRow(row);
@@ -227,7 +228,8 @@ private slots:
         QTest::addColumn<double>("speed");
         QTest::newRow("plywood 3 cutting suggested") << 0 << 0 << 0 << 0 << false << 23.0;
         QTest::newRow("plywood 3 cutting personalized") << 0 << 0 << 0 << 1 << false << 99.0;
-        QTest::newRow("plywood 3 cutting temporary: the layer's") << 0 << 0 << 0 << 2 << false << 1.0;
+        QTest::newRow("plywood 3 cutting temporary: the layer's")
+            << 0 << 0 << 0 << 2 << false << 1.0;
         QTest::newRow("acrylic 5 scoring suggested") << 1 << 1 << 1 << 0 << false << 135.0;
         QTest::newRow("mdf 5 shallow suggested") << 2 << 1 << 2 << 0 << false << 305.0;
         QTest::newRow("mark shows the hint") << 0 << 0 << 4 << 0 << false << -1.0;
@@ -373,7 +375,8 @@ private slots:
         imported.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {2.0}});
         const QByteArray good = MaterialLibraryText(imported);
         QTest::newRow("not JSON") << QByteArray("not a library {") << false;
-        QTest::newRow("no materials") << QByteArray(R"({"Type":{"Glass":[{"Power":80}]}})") << false;
+        QTest::newRow("no materials")
+            << QByteArray(R"({"Type":{"Glass":[{"Power":80}]}})") << false;
         QTest::newRow("truncated") << good.left(good.size() / 2) << false;
         QTest::newRow("100 MB") << QByteArray(100 * 1024 * 1024, ' ') + "[" << false;
         QTest::newRow("library") << good << true;
@@ -396,7 +399,8 @@ private slots:
         if (!valid)
             answerBox(QMessageBox::Yes, &message);
         f.click("pushButton_Import");
-        QCOMPARE(message, valid ? QString() : QStringLiteral("Import failed, invalid parameter file!"));
+        QCOMPARE(message,
+                 valid ? QString() : QStringLiteral("Import failed, invalid parameter file!"));
         QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == before, !valid);
         QCOMPARE(f.user().MaterialNames(0, 80),
                  valid ? QStringList{"Cork"} : kMaterials);
@@ -418,7 +422,8 @@ private slots:
         answerBox(yes ? QMessageBox::Yes : QMessageBox::No);
         f.click("pushButton_default");
         QCOMPARE(f.user() == f.store().FactoryLibrary(), yes);
-        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_DEFAULT_POWER", -1, TmpParamIniPath()), yes ? 80 : -1);
+        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_DEFAULT_POWER", -1, TmpParamIniPath()),
+                 yes ? 80 : -1);
         QCOMPARE(f.child<QListWidget>("listWidget_Material")->count(), yes ? 4 : 3);
     }
 
