@@ -106,6 +106,17 @@ DlgLayerParamPresets::DlgLayerParamPresets(QWidget *parent)
         emit SigThicknessMean(1, ui->comboBox_Thickness->currentIndex(), QString());
     });
 
+    // A custom entry that is already current (the chooser holds nothing
+    // else) changes no index when picked again, yet still asks to add.
+    connect(ui->comboBox_Material, &QComboBox::activated, this, [this](int index) {
+        if (index == MaterialCount() - 1 && ui->comboBox_Material->currentIndex() == index)
+            on_comboBox_Material_currentIndexChanged(index);
+    });
+    connect(ui->comboBox_Thickness, &QComboBox::activated, this, [this](int index) {
+        if (index == ThicknessCount() - 1 && ui->comboBox_Thickness->currentIndex() == index)
+            on_comboBox_Thickness_currentIndexChanged(index);
+    });
+
     ui->listWidget->SetItemCountPerRow(kCraftsPerRow);
 
     for (const char *scheme : kSchemes) {

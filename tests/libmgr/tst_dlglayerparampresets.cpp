@@ -112,6 +112,20 @@ private slots:
         QCOMPARE(f.env.logLines().contains("0|" + combo + " was changed."), enabled);
     }
 
+    void customEntryAlone()
+    {
+        TestEnvironment env;
+        P panel;
+        panel.AddMaterial(QStringLiteral("Custom material"), QString());
+        QSignalSpy mean(&panel, &P::SigMaterialMean);
+        auto *box = panel.findChild<QComboBox *>(kMaterial);
+        emit box->activated(0); // picked again: no index change
+        QCOMPARE(first(mean), (Args{0, 0}));
+        QCOMPARE(box->currentIndex(), -1);
+        emit box->activated(0); // picked after the change
+        QCOMPARE(mean.count(), 1);
+    }
+
     void listSignals_data()
     {
         QTest::addColumn<bool>("craft");
