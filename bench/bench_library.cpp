@@ -11,64 +11,7 @@
 
 namespace {
 
-constexpr int kPairs = 6;
-constexpr int kMaterials = 60;
-constexpr int kThicknesses = 8;
-
-const quint32 kTubes[kPairs] = {0, 0, 2, 2, 3, 4};
-const qint32 kPowers[kPairs] = {60, 100, 30, 60, 30, 10};
-
-double t(double thickness)
-{
-    return thickness * 2.0;
-}
-
-QString materialName(int m)
-{
-    return QStringLiteral("Material %1").arg(m, 2, 10, QLatin1Char('0'));
-}
-
-// 6 tube/power pairs x 60 materials x 8 thicknesses x 4 crafts: 11,520 sets.
-const CMaterialLibrary &largeLibrary()
-{
-    static const CMaterialLibrary library = [] {
-        CMaterialLibrary lib;
-        for (int p = 0; p < kPairs; ++p) {
-            lib.AddPower(kTubes[p], kPowers[p], p % 2 == 1);
-            for (int m = 0; m < kMaterials; ++m) {
-                CLibMaterial material;
-                material.name = materialName(m);
-                material.tube = kTubes[p];
-                material.power = kPowers[p];
-                material.iconPath = QStringLiteral("/Res/Icon/m%1.png").arg(m);
-                material.iconBase64 = QString(800, QLatin1Char('Q'));
-                for (int t = 0; t < kThicknesses; ++t)
-                    material.thicknesses.push_back(1.0 + t * 1.5);
-                lib.AddMaterial(material);
-                for (double thickness : material.thicknesses) {
-                    for (quint32 craft = 0; craft < 4; ++craft) {
-                        const CLibKey key{kTubes[p], kPowers[p], material.name, thickness, craft};
-                        if (IsCutCraft(craft)) {
-                            CLibCutSet set;
-                            set.key = key;
-                            set.speed = 10 + m;
-                            set.laser1.power = 30.0 + t(thickness);
-                            lib.SetCutSet(set);
-                        } else {
-                            CLibSweepSet set;
-                            set.key = key;
-                            set.speed = 200.5 + m;
-                            set.dpi = 6;
-                            lib.SetSweepSet(set);
-                        }
-                    }
-                }
-            }
-        }
-        return lib;
-    }();
-    return library;
-}
+using namespace largelib;
 
 const QByteArray &largeBytes()
 {

@@ -814,10 +814,17 @@ void DlgLayerMgr::onItemDoubleClicked(QTableWidgetItem *item)
     request.host = m_manager->Host();
     request.manager = m_manager;
     request.row = row;
-    const int rows = std::min(int(m_layers.size()), table->rowCount());
+    // Every row's text, also of rows whose cell widgets are not built: their
+    // number is the one the last fill stored in the layer.
+    const int rows = int(m_manager->GetLayerCount());
+    request.numberTexts.reserve(rows);
     for (int r = 0; r < rows; ++r) {
         if (auto *number = cellWidget<CLayerNumberWidget>(table, r, COL_NUM))
             request.numberTexts << number->ButtonText();
+        else if (const CLayerParam *rowLayer = m_manager->GetLayerAt(quint32(r)))
+            request.numberTexts << CLayerNumberWidget::NumberText(rowLayer->AUX_INDEX);
+        else
+            request.numberTexts << QString();
     }
     if (!m_libraryOpener(request))
         return;

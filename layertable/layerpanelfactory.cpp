@@ -1,10 +1,14 @@
 // The module reaches the panel only through these, so that module/ needs no
-// widget headers.
+// widget headers. This is also where the panel meets the library manager.
 #include "dlglayermgr.h"
+
+#include "libmgr/dlglayerlibmgr.h"
 
 DlgLayerMgr *NewLayerPanel(QWidget *parent)
 {
-    return new DlgLayerMgr(parent);
+    auto *panel = new DlgLayerMgr(parent);
+    panel->SetLibraryDialogOpener(&DlgLayerLibMgr::Open);
+    return panel;
 }
 
 ILayerPanel *LayerPanelInterface(DlgLayerMgr *panel)

@@ -94,6 +94,7 @@ private slots:
         buffer.setData(decoded(EncodePicture(path, QSize(120, 80))));
         QCOMPARE(QImageReader(&buffer).read().size(), QSize(80, 80));
     }
+
     void materialPicture_data()
     {
         QTest::addColumn<QString>("base64");

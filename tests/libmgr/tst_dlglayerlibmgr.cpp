@@ -1,0 +1,476 @@
+#include "layertable/dlglayermgr.h"
+#include "libmgr/cmateriallistwidget.h"
+#include "libmgr/dlglasertube.h"
+#include "libmgr/dlglayerlibmgr.h"
+#include "libmgr/dlglayerparamcut.h"
+#include "libmgr/dlglayerparampresets.h"
+#include "libmgr/dlgtps.h"
+#include "library/clayercontext.h"
+#include "library/librarydocument.h"
+#include "module/clayermgrins.h"
+#include "module/ilayerpanel.h"
+#include "module/layercolors.h"
+#include "support/settings.h"
+#include "testenvironment.h"
+
+#include "idevicesinfo.h"
+#include "ilayerhost.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTest>
+#include <QTimer>
+#include <QTreeWidget>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+class Host : public ILayerHost
+{
+public:
+    void LayersChanged() override { calls << QStringLiteral("LayersChanged"); }
+    void LayerEvent(int) override {}
+    void CurrentLayerChanged() override {}
+    void RefreshView() override {}
+    IDevicesInfo *DevicesInfo() const override { return const_cast<CDevicesInfoIns *>(&devices); }
+    CDevicesInfoIns devices;
+    QStringList calls;
+};
+
+// Runs `act` on the next modal window of type T once it shows.
+template<typename T>
+void whenModal(std::function<void(T *)> act)
+{
+    auto *timer = new QTimer;
+    timer->setInterval(5);
+    // Gives up after five seconds, so a window that never came cannot answer later tests.
+    QObject::connect(timer, &QTimer::timeout, [timer, act, tries = 0]() mutable {
+        auto *window = qobject_cast<T *>(QApplication::activeModalWidget());
+        if (window || ++tries > 1000) {
+            timer->stop();
+            timer->deleteLater();
+        }
+        if (window)
+            act(window);
+    });
+    timer->start();
+}
+
+void answerBox(QMessageBox::StandardButton button, QString *text = nullptr)
+{
+    whenModal<QMessageBox>([button, text](QMessageBox *box) {
+        if (text)
+            *text = box->text();
+        box->button(button)->click();
+    });
+}
+
+const QStringList kMaterials{"Plywood", "Acrylic", "MDF"};
+
+// Glass 80 W: three materials with every process; Glass 60 W: none; 100 W: one.
+CMaterialLibrary factoryLibrary()
+{
+    CMaterialLibrary library;
+    library.AddPower(0, 80, false);
+    library.AddPower(0, 60, false);
+    for (int m = 0; m < kMaterials.size(); ++m) {
+        library.AddMaterial(CLibMaterial{kMaterials[m], {}, {}, 0, 80, {3.0, 5.0}});
+        for (double thickness : {3.0, 5.0}) {
+            for (quint32 craft : {0u, 1u}) {
+                CLibCutSet set;
+                set.key = {0, 80, kMaterials[m], thickness, craft};
+                set.speed = 20 + m * 10 + thickness + craft * 100;
+                library.SetCutSet(set);
+            }
+            CLibSweepSet sweep;
+            sweep.key = {0, 80, kMaterials[m], thickness, 2};
+            sweep.speed = 300 + thickness;
+            library.SetSweepSet(sweep);
+            library.SetMarkSet(CLibMarkSet{{0, 80, kMaterials[m], thickness, 4}, {}});
+        }
+    }
+    library.AddMaterial(CLibMaterial{QStringLiteral("Felt"), {}, {}, 0, 100, {2.0}});
+    return library;
+}
+
+struct Fixture
+{
+    Fixture(int layers = 3)
+    {
+        g_LayerContext.m_unitMode = 1;
+        QDir().mkpath(env.resourceDir() + QStringLiteral("/Data"));
+        WriteMaterialLibraryFile(env.resourceDir() + QStringLiteral("/Data/defaultMaterial.json"),
+                                 factoryLibrary());
+        store().Load();
+        store().SetDeletionQuestion([](const QString &, const QString &) { return true; });
+        // Personal parameters differ from the suggested ones for plywood 3 mm.
+        CLibCutSet personal = *user().FindCutSet({0, 80, "Plywood", 3.0, 0});
+        personal.speed = 99;
+        user().SetCutSet(personal);
+        manager = std::make_unique<CLayerMgrIns>(&host);
+        for (int i = 0; i < layers; ++i)
+            manager->AddLayer(new CLayerParam(i < 35 ? StandardLayerColor(quint32(i) + 1, false)
+                                                     : 0x200000u + quint32(i) * 3u));
+    }
+
+    static CLibraryStore &store() { return g_LayerContext.Store(); }
+    static CMaterialLibrary &user() { return store().UserLibrary(); }
+    CLayerParam &layer(int row) const { return *manager->GetLayerAt(quint32(row)); }
+
+    DlgLayerLibMgr *open(int row = 0)
+    {
+        owned = std::make_unique<DlgLayerLibMgr>(&layer(row), host.DevicesInfo());
+        dialog = owned.get();
+        dialog->Fill(manager.get(), row);
+        dialog->show();
+        return dialog;
+    }
+    template<typename T>
+    T *child(const char *name) const
+    {
+        return dialog->findChild<T *>(QString::fromLatin1(name));
+    }
+    DlgLayerParamPresets *presets() const { return dialog->findChild<DlgLayerParamPresets *>(); }
+    void choose(int material, int thickness, int craft, int scheme) const
+    {
+        child<QComboBox>("comboBox_Material")->setCurrentIndex(material);
+        child<QComboBox>("comboBox_Thickness")->setCurrentIndex(thickness);
+        auto *crafts = presets()->findChild<QListWidget *>(QStringLiteral("listWidget"));
+        for (int row = 0; row < crafts->count(); ++row) {
+            if (presets()->CraftOfRow(row) == craft) {
+                crafts->setCurrentRow(row);
+                emit crafts->itemClicked(crafts->item(row));
+            }
+        }
+        child<QListWidget>("listWidget_scheme")->setCurrentRow(scheme);
+    }
+    // The speed the visible editor shows; -1 without one.
+    double shownSpeed() const
+    {
+        for (auto *edit : dialog->findChildren<QLineEdit *>(QStringLiteral("lineEdit_speed"))) {
+            if (edit->isVisibleTo(dialog))
+                return edit->text().toDouble();
+        }
+        return -1;
+    }
+    void click(const char *button) const { child<QPushButton>(button)->click(); }
+    // A double click on a row of a panel built as the module builds it.
+    void doubleClickRow(int row) const
+    {
+        std::unique_ptr<DlgLayerMgr> panel(NewLayerPanel(nullptr));
+        panel->SyncLayers(manager.get(), true);
+        auto *table = panel->findChild<QTableWidget *>(QStringLiteral("tableWidget"));
+        table->setCurrentCell(row, 1);
+        emit table->itemDoubleClicked(table->item(row, 1));
+    }
+
+    TestEnvironment env;
+    Host host;
+    std::unique_ptr<CLayerMgrIns> manager;
+    std::unique_ptr<DlgLayerLibMgr> owned;
+    DlgLayerLibMgr *dialog = nullptr;
+};
+
+} // namespace
+
+class tst_DlgLayerLibMgr : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void openFromPanel_data()
+    {
+        QTest::addColumn<int>("layers");
+        QTest::addColumn<int>("row");
+        QTest::newRow("three layers") << 3 << 1;
+        QTest::newRow("hundred layers, rows without widgets") << 100 << 97;
+    }
+    void openFromPanel()
+    {
+        QFETCH(int, layers);
+        QFETCH(int, row);
+        Fixture f(layers);
+        QStringList labels;
+        int shownRow = -1;
+        whenModal<DlgLayerLibMgr>([&](DlgLayerLibMgr *dialog) {
+            labels = dialog->RowLabels();
+            shownRow =
+                dialog->findChild<QListWidget *>(QStringLiteral("listWidget_Layer"))->currentRow();
+            dialog->reject();
+        });
+        f.doubleClickRow(row);
+        QCOMPARE(labels.size(), layers);
+        QCOMPARE(shownRow, row);
+        // Standard colours carry their letters; rows far down a long list
+        // (without cell widgets) the numeral of a unique number.
+        QCOMPARE(labels[1], QStringLiteral("C"));
+        QCOMPARE(labels.last(), layers > 35 ? QStringLiteral("XLIX") : QStringLiteral("D"));
+        QVERIFY(!QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))));
+    }
+
+    void choose_data()
+    {
+        QTest::addColumn<int>("material");
+        QTest::addColumn<int>("thickness");
+        QTest::addColumn<int>("craft");
+        QTest::addColumn<int>("scheme");
+        QTest::addColumn<bool>("edit");
+        QTest::addColumn<double>("speed");
+        QTest::newRow("plywood 3 cutting suggested") << 0 << 0 << 0 << 0 << false << 23.0;
+        QTest::newRow("plywood 3 cutting personalized") << 0 << 0 << 0 << 1 << false << 99.0;
+        QTest::newRow("plywood 3 cutting temporary: the layer's")
+            << 0 << 0 << 0 << 2 << false << 1.0;
+        QTest::newRow("acrylic 5 scoring suggested") << 1 << 1 << 1 << 0 << false << 135.0;
+        QTest::newRow("mdf 5 shallow suggested") << 2 << 1 << 2 << 0 << false << 305.0;
+        QTest::newRow("mark shows the hint") << 0 << 0 << 4 << 0 << false << -1.0;
+        QTest::newRow("an edit turns a set temporary") << 1 << 0 << 0 << 0 << true << 33.0;
+    }
+    void choose()
+    {
+        QFETCH(int, material);
+        QFETCH(int, thickness);
+        QFETCH(int, craft);
+        QFETCH(int, scheme);
+        QFETCH(bool, edit);
+        QFETCH(double, speed);
+        Fixture f;
+        f.open();
+        f.choose(material, thickness, craft, scheme);
+        if (edit)
+            emit f.dialog->findChild<DlgLayerParamCut *>()->DataChange();
+        QCOMPARE(f.child<QWidget>("widget_hint")->isVisibleTo(f.dialog), speed < 0);
+        QCOMPARE(f.shownSpeed(), speed);
+        QCOMPARE(f.presets()->CurrentScheme(), edit ? 2 : scheme);
+        QCOMPARE(f.dialog->SchemeOfRow(0), edit ? 2 : scheme);
+        QCOMPARE(f.layer(0).CUT.CUT_SPEED, edit ? speed : 1.0);
+        QCOMPARE(f.child<QListWidget>("listWidget_Material")->currentItem()->text(),
+                 kMaterials[material]);
+    }
+
+    void confirm_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<bool>("summary");
+        QTest::addColumn<bool>("committed");
+        QTest::addColumn<double>("speed");
+        QTest::newRow("no change: no summary") << "ok" << false << true << 1.0;
+        QTest::newRow("suggested set, summary saved") << "save" << true << true << 23.0;
+        QTest::newRow("summary rejected keeps the dialog") << "reject" << true << false << 1.0;
+        QTest::newRow("cancel restores every layer") << "cancel" << false << false << 1.0;
+    }
+    void confirm()
+    {
+        QFETCH(QString, action);
+        QFETCH(bool, summary);
+        QFETCH(bool, committed);
+        QFETCH(double, speed);
+        Fixture f;
+        f.user().RemoveSet({0, 80, "Plywood", 3.0, 1});
+        int summaryRows = 0;
+        QString firstCaption;
+        bool stayedOpen = false;
+        whenModal<DlgLayerLibMgr>([&](DlgLayerLibMgr *dialog) {
+            f.dialog = dialog;
+            if (action != "ok") {
+                // Browsing a process the user library lacks files a set for it.
+                f.choose(0, 0, 1, 0);
+                f.choose(0, 0, 0, 0);
+                auto *layers = f.child<QListWidget>("listWidget_Layer");
+                emit layers->itemClicked(layers->item(1));
+                f.choose(2, 0, 2, 0);
+            }
+            if (summary) {
+                whenModal<DlgTps>([&](DlgTps *tps) {
+                    summaryRows = tps->RowCount();
+                    firstCaption = tps->findChild<QTreeWidget *>()->topLevelItem(0)->text(0);
+                    if (action == "save")
+                        tps->findChild<QPushButton *>(QStringLiteral("btnSave"))->click();
+                    else
+                        tps->reject();
+                });
+            }
+            if (action == "cancel")
+                QTest::keyClick(dialog, Qt::Key_Escape);
+            else
+                f.click("pushButton_ok");
+            stayedOpen = dialog->isVisible();
+            if (stayedOpen)
+                dialog->reject();
+        });
+        f.doubleClickRow(0);
+        QCOMPARE(summaryRows > 0, summary);
+        if (summary)
+            QCOMPARE(firstCaption, QStringLiteral("01 B"));
+        QCOMPARE(stayedOpen, !committed && action == "reject");
+        QCOMPARE(f.layer(0).CUT.CUT_SPEED, speed);
+        QCOMPARE(f.layer(1).WORK_TYPE, committed && action != "ok" ? 2 : 0);
+        QCOMPARE(QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))), committed);
+        QCOMPARE(f.host.calls.contains(QStringLiteral("LayersChanged")), committed);
+        QCOMPARE(f.user().HasSet({0, 80, "Plywood", 3.0, 1}), action != "ok");
+        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_POWER", -1, TmpParamIniPath()), 80);
+    }
+
+    void deviceMode_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("maxPower");
+        QTest::addColumn<int>("power");
+        QTest::addColumn<int>("tube");
+        QTest::newRow("MaxPower 1000 is 10 W") << 0 << 1000 << 10 << 4;
+        QTest::newRow("MaxPower 800") << 0 << 800 << 800 << 4;
+        QTest::newRow("no machine: settings") << 1 << 1000 << 80 << 0;
+    }
+    void deviceMode()
+    {
+        QFETCH(int, status);
+        QFETCH(int, maxPower);
+        QFETCH(int, power);
+        QFETCH(int, tube);
+        Fixture f;
+        f.host.devices.SetStatus(status);
+        f.host.devices.SetMachineKind(1);
+        f.host.devices.SetValue(QStringLiteral("MaxPower"), maxPower);
+        f.open();
+        QCOMPARE(f.dialog->LaserPower(), power);
+        QCOMPARE(f.dialog->LaserTube(), tube);
+        QCOMPARE(f.child<QPushButton>("pushButton_Advanced")->isEnabled(), status != 0);
+        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_POWER", -1, TmpParamIniPath()),
+                 status == 0 ? power : -1);
+        // No material for that tube: empty lists, OK refused.
+        QTRY_COMPARE(f.child<QPushButton>("pushButton_ok")->isEnabled(), status != 0);
+    }
+
+    void advanceClonesOnce()
+    {
+        Fixture f;
+        f.open();
+        for (int power : {60, 80, 60}) {
+            whenModal<DlgLaserTube>([power](DlgLaserTube *tube) {
+                tube->SetPower(power);
+                tube->findChild<QPushButton *>(QStringLiteral("pushButton_ok"))->click();
+            });
+            f.click("pushButton_Advanced");
+            QCOMPARE(f.dialog->LaserPower(), power);
+            QCOMPARE(f.user().MaterialNames(0, 60), kMaterials);
+            QCOMPARE(f.child<QComboBox>("comboBox_Material")->count(), 4);
+        }
+        QCOMPARE(f.user().CountSets(0, 60, 0), f.user().CountSets(0, 80, 0));
+    }
+
+    void import_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<bool>("valid");
+        CMaterialLibrary imported;
+        imported.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {2.0}});
+        const QByteArray good = MaterialLibraryText(imported);
+        QTest::newRow("not JSON") << QByteArray("not a library {") << false;
+        QTest::newRow("no materials")
+            << QByteArray(R"({"Type":{"Glass":[{"Power":80}]}})") << false;
+        QTest::newRow("truncated") << good.left(good.size() / 2) << false;
+        QTest::newRow("100 MB") << QByteArray(100 * 1024 * 1024, ' ') + "[" << false;
+        QTest::newRow("library") << good << true;
+    }
+    void import()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(bool, valid);
+        Fixture f;
+        f.store().Save();
+        const QByteArray before = f.env.readFile(QStringLiteral("lm.json"));
+        const QString path = f.env.root() + QStringLiteral("/import.json");
+        QVERIFY(f.env.writeFile(path, content));
+        f.open();
+        QString message;
+        whenModal<QFileDialog>([path](QFileDialog *dialog) {
+            dialog->selectFile(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        if (!valid)
+            answerBox(QMessageBox::Yes, &message);
+        f.click("pushButton_Import");
+        QCOMPARE(message,
+                 valid ? QString() : QStringLiteral("Import failed, invalid parameter file!"));
+        QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == before, !valid);
+        QCOMPARE(f.user().MaterialNames(0, 80),
+                 valid ? QStringList{"Cork"} : kMaterials);
+        QCOMPARE(f.child<QComboBox>("comboBox_Material")->itemText(0), valid ? "Cork" : "Plywood");
+    }
+
+    void restoreDefaults_data()
+    {
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("yes") << true;
+        QTest::newRow("no") << false;
+    }
+    void restoreDefaults()
+    {
+        QFETCH(bool, yes);
+        Fixture f;
+        f.user().RemoveMaterial(0, 80, QStringLiteral("MDF"));
+        f.open();
+        answerBox(yes ? QMessageBox::Yes : QMessageBox::No);
+        f.click("pushButton_default");
+        QCOMPARE(f.user() == f.store().FactoryLibrary(), yes);
+        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_DEFAULT_POWER", -1, TmpParamIniPath()),
+                 yes ? 80 : -1);
+        QCOMPARE(f.child<QListWidget>("listWidget_Material")->count(), yes ? 4 : 3);
+    }
+
+    void deleteMaterial_data()
+    {
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("current");
+        QTest::newRow("first: the next moves up") << 0 << 0;
+        QTest::newRow("last real: the new last") << 2 << 1;
+    }
+    void deleteMaterial()
+    {
+        QFETCH(int, row);
+        QFETCH(int, current);
+        Fixture f;
+        f.open();
+        f.child<QComboBox>("comboBox_Material")->setCurrentIndex(row);
+        f.child<QAction>("action_deleteMaterial")->trigger();
+        QStringList left = kMaterials;
+        left.removeAt(row);
+        QCOMPARE(f.user().MaterialNames(0, 80), left);
+        QCOMPARE(f.presets()->CurrentMaterial(), current);
+        QCOMPARE(f.child<QListWidget>("listWidget_Material")->currentItem()->text(), left[current]);
+        QCOMPARE(f.child<QComboBox>("comboBox_Material")->count(), 3);
+    }
+
+    void moveMaterial_data()
+    {
+        QTest::addColumn<int>("from");
+        QTest::addColumn<int>("to");
+        QTest::addColumn<QStringList>("order");
+        QTest::newRow("down") << 0 << 2 << QStringList{"Acrylic", "MDF", "Plywood"};
+        QTest::newRow("up") << 2 << 0 << QStringList{"MDF", "Plywood", "Acrylic"};
+    }
+    void moveMaterial()
+    {
+        QFETCH(int, from);
+        QFETCH(int, to);
+        QFETCH(QStringList, order);
+        Fixture f;
+        f.open();
+        emit f.child<CMaterialListWidget>("listWidget_Material")->SortMaterialsRequested(from, to);
+        QCOMPARE(f.user().MaterialNames(0, 80), order);
+        QCOMPARE(f.user().MaterialNames(0, 100), QStringList{"Felt"});
+        QTRY_COMPARE(f.child<QComboBox>("comboBox_Material")->itemText(2), order[2]);
+    }
+};
+
+QTEST_MAIN(tst_DlgLayerLibMgr)
+#include "tst_dlglayerlibmgr.moc"
