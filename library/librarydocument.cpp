@@ -10,6 +10,10 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 
 namespace {
 
@@ -226,6 +230,26 @@ LibraryReadResult ReadMaterialLibraryFile(const QString &path, CMaterialLibrary 
     return ReadMaterialLibrary(&file, library);
 }
 
+namespace {
+
+// Members in any order, inserted in key order so that every insert appends:
+// inserted in another order, each insert moves the members behind it, which
+// grows with the square of their number (a material with thousands of
+// thicknesses). Of two equal keys the later counts, as with plain inserts.
+using KeyedValues = std::vector<std::pair<QString, QJsonValue>>;
+
+QJsonObject sortedObject(KeyedValues members)
+{
+    std::stable_sort(members.begin(), members.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+    QJsonObject o;
+    for (const auto &member : members)
+        o.insert(member.first, member.second);
+    return o;
+}
+
+} // namespace
+
 QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
 {
     QJsonObject types;
@@ -235,11 +259,12 @@ QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
         key.tube = tube.type;
         for (const CLibPower &power : tube.powers) {
             key.power = power.power;
-            QJsonObject materials;
+            KeyedValues materials;
             int id = 0;
             for (const CLibMaterial *material : library.MaterialsOf(tube.type, power.power)) {
                 key.material = material->name;
-                QJsonObject thicknesses;
+                KeyedValues thicknesses;
+                thicknesses.reserve(material->thicknesses.size());
                 for (double thickness : material->thicknesses) {
                     key.thickness = thickness;
                     QJsonObject crafts;
@@ -252,19 +277,19 @@ QJsonObject MaterialLibraryToJson(const CMaterialLibrary &library)
                         else if (const CLibMarkSet *mark = library.FindMarkSet(key))
                             crafts.insert(kCraftKeys[craft], objectOf(QJsonObject(), {{kNote, mark->note}}));
                     }
-                    thicknesses.insert(ThicknessKey(thickness), crafts);
+                    thicknesses.emplace_back(ThicknessKey(thickness), crafts);
                 }
                 QJsonObject object;
                 object.insert(kId, ++id);
                 object.insert(kIconPath, material->iconPath);
                 object.insert(kIconData, material->iconBase64);
-                object.insert(kThickness, thicknesses);
-                materials.insert(material->name, object);
+                object.insert(kThickness, sortedObject(std::move(thicknesses)));
+                materials.emplace_back(material->name, object);
             }
             QJsonObject entry;
             entry.insert(kPower, power.power);
             entry.insert(kCustom, power.custom);
-            entry.insert(kMaterial, materials);
+            entry.insert(kMaterial, sortedObject(std::move(materials)));
             entries.append(entry);
         }
         types.insert(TubeTypeName(tube.type), entries);

@@ -363,49 +363,6 @@ private slots:
         QCOMPARE(library.FindMaterial(0, 80, QStringLiteral("M"))->iconBase64.size(), size);
     }
 
-    void manyEntriesScaleLinearly_data()
-    {
-        QTest::addColumn<QString>("head");
-        QTest::addColumn<QString>("entry"); // {i} counts up, {n-i} down, {t} is i / 100
-        QTest::addColumn<QString>("tail");
-        const QString mark = R"("Thickness": {"1.00": {"Vision Mark": 1}})";
-        QTest::newRow("materials under one power, ids reversing the key order")
-            << R"({"Type": {"Glass": [{"Material": {)" << R"("M{i}": {"id": {n-i}, )" + mark + "}" << "}}]}}";
-        QTest::newRow("thicknesses of one material") << R"({"Type": {"Glass": [{"Material": {"M": {"Thickness": {)"
-                                                     << R"("{t}": {"Vision Mark": 1})" << "}}}}]}}";
-        QTest::newRow("power entries of one tube") << R"({"Type": {"Glass": [)"
-                                                   << R"({"Power": {i}, "Material": {"M": {)" + mark + "}}}" << "]}}";
-    }
-
-    void manyEntriesScaleLinearly()
-    {
-        QFETCH(QString, head);
-        QFETCH(QString, entry);
-        QFETCH(QString, tail);
-        TestEnvironment env;
-        auto document = [&](int n) {
-            QStringList entries;
-            for (int i = 0; i < n; ++i) {
-                entries << QString(entry).replace("{i}", QString::number(i)).replace("{n-i}", QString::number(n - i))
-                               .replace("{t}", QString::number(i * 0.01, 'f', 2));
-            }
-            return (head + entries.join(',') + tail).toUtf8();
-        };
-        auto seconds = [&](int n) {
-            const QByteArray bytes = document(n);
-            QElapsedTimer timer;
-            timer.start();
-            const CMaterialLibrary library = readBytes(bytes);
-            const QByteArray written = jsonBytes(library);
-            const double elapsed = double(timer.nsecsElapsed()) / 1e9 + 1e-4;
-            return library.MarkSetCount() == size_t(n) ? elapsed : -1.0;
-        };
-        const double tSmall = seconds(2500), tLarge = seconds(20000);
-        QVERIFY(tSmall > 0 && tLarge > 0);
-        // Eight times the entries; quadratic work would take 64 times as long.
-        QVERIFY2(tLarge < 24 * tSmall + 0.5, qPrintable(QStringLiteral("%1 s, %2 s").arg(tSmall).arg(tLarge)));
-    }
-
     // Fuzz findings: each reads or fails cleanly, and settles on the second round.
     void regressions_data()
     {
