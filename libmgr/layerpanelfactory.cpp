@@ -1,8 +1,9 @@
 // The module reaches the panel only through these, so that module/ needs no
-// widget headers. This is also where the panel meets the library manager.
-#include "dlglayermgr.h"
+// widget headers. The panel gets its library manager here, the one place
+// that sees both.
+#include "dlglayerlibmgr.h"
 
-#include "libmgr/dlglayerlibmgr.h"
+#include "layertable/dlglayermgr.h"
 
 DlgLayerMgr *NewLayerPanel(QWidget *parent)
 {
