@@ -103,65 +103,33 @@ private slots:
         auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
         QVERIFY(button && label);
         QCOMPARE(button->text(), letter);
-        QCOMPARE(widget.ButtonText(), letter);
         QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}")
                                            .arg(blackInk ? "0,0,0" : "255,255,255"));
         QCOMPARE(button->toolTip() + label->text() + label->toolTip(), QStringLiteral("070707"));
     }
 
-    void modeLists_data()
+    // The lists in both languages; a language change keeps the choice and says nothing.
+    void comboLists_data()
     {
-        QTest::addColumn<bool>("fillOnly");
-        QTest::addColumn<QStringList>("items");
-        QTest::addColumn<QList<int>>("workTypes");
-        QTest::newRow("every mode") << false
-                                    << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
-                                    << QList<int>{0, 1, 2, 3, 4};
-        QTest::newRow("fill only") << true << QStringList{"Shallow Engrave", "Deep Engrave"} << QList<int>{2, 3};
-    }
-
-    void modeLists()
-    {
-        QFETCH(bool, fillOnly);
-        QFETCH(QStringList, items);
-        QFETCH(QList<int>, workTypes);
-        TestEnvironment env;
-        CLayerModeWidget widget;
-        auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
-        QVERIFY(combo);
-        QCOMPARE(itemsOf(combo).size(), 5);
-        widget.BuildList(fillOnly);
-        QCOMPARE(itemsOf(combo), items);
-        QCOMPARE(widget.FillOnly(), fillOnly);
-        for (int i = 0; i < workTypes.size(); ++i)
-            QCOMPARE(widget.WorkTypeAt(i), workTypes.at(i));
-        QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
-        widget.SetCurrentText(items.last());
-        QCOMPARE(widget.CurrentIndex(), items.size() - 1);
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(changed.takeFirst().at(0).toInt(), items.size() - 1);
-    }
-
-    void languageChangeKeepsChoice_data()
-    {
-        QTest::addColumn<bool>("air");
+        QTest::addColumn<int>("kind"); // 0: every mode, 1: fill modes only, 2: air
         QTest::addColumn<QStringList>("english");
         QTest::addColumn<QStringList>("chinese");
-        QTest::newRow("fill modes") << false << QStringList{"Shallow Engrave", "Deep Engrave"}
-                                    << QStringList{"浅雕", "深雕"};
-        QTest::newRow("air") << true << QStringList{"High", "Low"} << QStringList{"强", "弱"};
+        QTest::newRow("every mode") << 0 << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
+                                    << QStringList{"切割", "划线", "浅雕", "深雕", "标记"};
+        QTest::newRow("fill modes") << 1 << QStringList{"Shallow Engrave", "Deep Engrave"} << QStringList{"浅雕", "深雕"};
+        QTest::newRow("air") << 2 << QStringList{"High", "Low"} << QStringList{"强", "弱"};
     }
 
-    void languageChangeKeepsChoice()
+    void comboLists()
     {
-        QFETCH(bool, air);
+        QFETCH(int, kind);
         QFETCH(QStringList, english);
         QFETCH(QStringList, chinese);
         TestEnvironment env;
-        std::unique_ptr<QWidget> cell(comboCell(air));
-        if (!air)
+        std::unique_ptr<QWidget> cell(comboCell(kind == 2));
+        if (kind == 1)
             static_cast<CLayerModeWidget *>(cell.get())->BuildList(true);
-        auto *combo = cell->findChild<QComboBox *>(air ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
+        auto *combo = cell->findChild<QComboBox *>(kind == 2 ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
         QVERIFY(combo);
         QCOMPARE(itemsOf(combo), english);
         combo->setCurrentText(english.at(1));
