@@ -128,6 +128,19 @@ CLayerParam *layerOf(ILayerMgr &manager, char letter)
     return manager.GetLayerByColor(colorOf(QLatin1Char(letter)));
 }
 
+// "A:FIELD=value" given to layer A, as the user would edit it.
+void setField(ILayerMgr &manager, const QString &entry)
+{
+    CLayerParam &l = *manager.GetLayerByColor(colorOf(entry[0]));
+    const QString field = entry.mid(2).section(QLatin1Char('='), 0, 0);
+    const double value = entry.section(QLatin1Char('='), 1).toDouble();
+#define LAYERTEST_ASSIGN(f)                                                                        \
+    if (field == QLatin1String(#f))                                                                \
+        l.f = decltype(l.f)(value);
+    LAYERTEST_FIELDS(LAYERTEST_ASSIGN)
+#undef LAYERTEST_ASSIGN
+}
+
 // The entries "A:FIELD=value" that the manager's layers do not show.
 QString unmet(ILayerMgr &manager, const QStringList &expect)
 {
@@ -225,8 +238,8 @@ void tst_CLayerMgrIns::updateLayers_data()
 {
     // clang-format off
     // Each step is a drawing handed to UpdateLayers, "move <from> <to>",
-    // "off <colours>" for the colours to start without output, or "on <colour>"
-    // to switch a layer's output on.
+    // "off <colours>" for the colours to start without output, "set A:FIELD=v"
+    // to edit a layer, or "vert <n>" for the user's vertical fill order.
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<quint64>("result"); // of the last step
     QTest::addColumn<QString>("order");
@@ -240,7 +253,12 @@ void tst_CLayerMgrIns::updateLayers_data()
     QTest::newRow("new engraving goes before cutting") << QStringList{"A Bi"} << 1ull << "B A" << "B A" << QStringList{"B:WORK_TYPE=2"};
     QTest::newRow("selected shapes") << QStringList{"A B* A C C*"} << 1ull << "A B C" << "A B C" << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
     QTest::newRow("pending colour starts off") << QStringList{"off BD", "A B"} << 1ull << "A B" << "A B" << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
-    QTest::newRow("pending colour used once") << QStringList{"off BC", "A B", "on B", "A", "A B C"} << 1ull << "A B C" << "A B C" << QStringList{"B:OUTPUT=true", "C:OUTPUT=false"};
+    QTest::newRow("new layer takes the user's fill order") << QStringList{"vert 2", "A B"} << 1ull << "A B" << "A B" << QStringList{"B:SWEEP.SWEEP_VERT_TYPE=2"};
+    // A colour back keeps its values, but the vertical fill order is the user's.
+    QTest::newRow("returning colour") << QStringList{"A B C", "set B:CUT.CUT_SPEED=42", "set B:WORK_TYPE=1", "set B:SWEEP.SWEEP_TYPE=4", "set B:SWEEP.SWEEP_VERT_TYPE=9", "A C", "vert 5", "A C B"} << 1ull << "B A C" << "B A C" << QStringList{"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4", "B:SWEEP.SWEEP_VERT_TYPE=5"};
+    QTest::newRow("returning as an image") << QStringList{"A B C", "set B:CUT.CUT_SPEED=42", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("returning deep engraving") << QStringList{"A B C", "set B:WORK_TYPE=3", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("pending colour used once") << QStringList{"off BC", "A B", "set B:OUTPUT=1", "A", "A B C"} << 1ull << "A B C" << "A B C" << QStringList{"B:OUTPUT=true", "C:OUTPUT=false"};
     QTest::newRow("new pending set replaces") << QStringList{"off D", "off E", "A D E"} << 1ull << "A D E" << "A D E" << QStringList{"D:OUTPUT=true", "E:OUTPUT=false"};
     QTest::newRow("move: same place") << QStringList{"A B C", "move 2 2"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: negative from") << QStringList{"A B C", "move -1 0"} << 0ull << "A B C" << "A B C" << QStringList();
@@ -295,8 +313,10 @@ void tst_CLayerMgrIns::updateLayers()
                 off.insert(colorOf(c));
             manager.SetNonOutputColors(&off);
             QVERIFY(off.isEmpty()); // taken over, not copied
-        } else if (words.first() == QLatin1String("on")) {
-            layerOf(manager, words[1][0].toLatin1())->OUTPUT = true;
+        } else if (words.first() == QLatin1String("set")) {
+            setField(manager, words[1]);
+        } else if (words.first() == QLatin1String("vert")) {
+            setSweepVertType(words[1].toInt());
         } else {
             last = ::update(manager, step);
             ++drawings;
@@ -317,44 +337,18 @@ void tst_CLayerMgrIns::returningColour()
     TestEnvironment env;
     for (const char c : {'A', 'B', 'Z'})
         g_LayerContext.SetRunningOption(colorOf(QLatin1Char(c)), CRunningOptions());
-    setSweepVertType(2);
     CLayerMgrIns manager(nullptr);
     update(manager, QStringLiteral("A B C"));
-    QCOMPARE(unmet(manager, {"B:SWEEP.SWEEP_VERT_TYPE=2"}), QString());
-
-    CLayerParam *b = layerOf(manager, 'B');
-    b->CUT.CUT_SPEED = 42;
-    b->WORK_TYPE = WORK_SCORING;
-    b->SWEEP.SWEEP_TYPE = 4;
-    b->SWEEP.SWEEP_VERT_TYPE = 9;
-    QCOMPARE(update(manager, QStringLiteral("A C")), 1u);
-    QCOMPARE(manager.RememberedLayers().size(), size_t(1));
-    QCOMPARE(manager.RememberedLayers()[0]->CUT.CUT_SPEED, 42.0);
+    layerOf(manager, 'B')->CUT.CUT_SPEED = 42;
+    update(manager, QStringLiteral("A C"));
     // The running options of a colour go with its layer.
     QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('A'))));
     QVERIFY(!g_LayerContext.FindRunningOption(colorOf(QLatin1Char('B'))));
     QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('Z'))));
-
-    // Back with its parameters, but the vertical fill order is the user's.
-    setSweepVertType(5);
     update(manager, QStringLiteral("A C B"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4",
-                             "B:SWEEP.SWEEP_VERT_TYPE=5"}),
-             QString());
-
-    // An image brings it back as a fill layer, deep engraving staying deep.
     update(manager, QStringLiteral("A C"));
-    update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true",
-                             "B:SWEEP.SWEEP_TYPE=0"}),
-             QString());
-    layerOf(manager, 'B')->WORK_TYPE = WORK_DEEP_ENGRAVE;
-    layerOf(manager, 'B')->SWEEP.SWEEP_TYPE = 4;
-    update(manager, QStringLiteral("A C"));
-    update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"}),
-             QString());
     QCOMPARE(manager.RememberedLayers().size(), size_t(1));
+    QCOMPARE(manager.RememberedLayers()[0]->CUT.CUT_SPEED, 42.0);
 }
 
 void tst_CLayerMgrIns::duplicateColourAfterLoading()
