@@ -18,7 +18,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
@@ -158,57 +157,75 @@ class tst_DlgLayerMgr : public QObject
 
 private slots:
     // On the selected row an eye sits on the table's highlight colour:
-    // enough of it must stand apart from that colour to be seen.
-    void eyesShowOnSelectedRows_data()
-    {
-        QTest::addColumn<QString>("icon");
-        QTest::newRow("output on") << QStringLiteral("LayerEye");
-        QTest::newRow("output off") << QStringLiteral("LayerCloseEye");
-    }
-
+    // enough of either icon must stand apart from that colour to be seen.
     void eyesShowOnSelectedRows()
     {
-        QFETCH(QString, icon);
         PanelFixture f;
         const QColor hl = f.table->palette().color(QPalette::Active, QPalette::Highlight);
-        QImage image(20, 20, QImage::Format_ARGB32);
-        image.fill(hl);
-        QPainter painter(&image);
-        QIcon(kIconDir + icon + ".svg").paint(&painter, image.rect());
-        painter.end();
-        int distinct = 0;
-        for (int i = 0; i < 400; ++i) {
-            const QColor c = image.pixelColor(i % 20, i / 20);
-            distinct += std::abs(c.red() - hl.red()) + std::abs(c.green() - hl.green()) + std::abs(c.blue() - hl.blue()) > 150;
+        for (const char *icon : {"LayerEye", "LayerCloseEye"}) {
+            QImage image(20, 20, QImage::Format_ARGB32);
+            image.fill(hl);
+            QPainter painter(&image);
+            QIcon(kIconDir + icon + ".svg").paint(&painter, image.rect());
+            painter.end();
+            int distinct = 0;
+            for (int i = 0; i < 400; ++i) {
+                const QColor c = image.pixelColor(i % 20, i / 20);
+                distinct += std::abs(c.red() - hl.red()) + std::abs(c.green() - hl.green()) + std::abs(c.blue() - hl.blue()) > 150;
+            }
+            QVERIFY2(distinct >= 40, icon);
         }
-        QVERIFY2(distinct >= 40, qPrintable(QString::number(distinct)));
     }
 
-    void emptyPanel()
+    // Headers, then mode, air and laser of a cutting row, the mode of a row of garbage work type,
+    // and the type header once two lasers are on.
+    void languages_data()
     {
-        PanelFixture f;
-        const QStringList headers{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output"};
-        QCOMPARE(f.table->columnCount(), headers.size());
-        for (int column = 0; column < headers.size(); ++column)
-            QCOMPARE(f.table->horizontalHeaderItem(column)->text() + f.table->horizontalHeaderItem(column)->toolTip(),
-                     headers.at(column) + headers.at(column));
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QStringList>("texts");
+        QTest::newRow("English") << "" << QStringList{"Num", "Mode", "Speed", "Power", "Type", "Blowing", "Output",
+                                                      "Cutting", "High", "Fiber", "Unknow", "Type⥮"};
+        QTest::newRow("Chinese") << "Chs" << QStringList{"序号", "模式", "速度", "功率", "类型", "吹气", "输出",
+                                                          "切割", "强", "光纤", "Unknow", "类型⥮"};
+    }
+
+    void languages()
+    {
+        QFETCH(QString, language);
+        PanelFixture f(factoryLasers(3, 0));
         QCOMPARE(f.table->rowCount(), 10);
-        QCOMPARE(f.visibleRows(), 0);
         // Without the display-scale module the rows keep their design height.
         QCOMPARE(f.table->verticalHeader()->defaultSectionSize(), 40);
-        QCOMPARE(f.panel->CurrentLayerColor(), 0u);
-        int data = 5;
-        f.panel->SetPanelData(&data);
-        QCOMPARE(f.panel->GetPanelData(), static_cast<void *>(&data));
-
         // Without a layer manager nothing happens and nothing breaks.
         f.panel->MoveLayerSlot(0, 1);
         f.panel->HorzHeaderClickedSlot(4);
         f.panel->SelectPendingColors();
         f.panel->RefreshSpeeds();
-        f.panel->SetDualLaser(true);
         f.panel->SyncLayers(nullptr, true);
         QCOMPARE(f.visibleRows(), 0);
+        QCOMPARE(f.panel->CurrentLayerColor(), 0u);
+
+        addLayer(*f.manager, 0x123456, WORK_CUTTING);
+        addLayer(*f.manager, 0x123457, 7);
+        f.sync();
+        {
+            LanguageGuard guard(language);
+            QStringList texts;
+            for (int column = 0; column <= COL_OUTPUT; ++column)
+                texts << f.table->horizontalHeaderItem(column)->text();
+            texts << f.combo(0, COL_MODE)->currentText() << f.combo(0, COL_AIR)->currentText() << f.text(0, COL_TYPE)
+                  << f.table->item(1, COL_MODE)->toolTip();
+            QCOMPARE(f.combo(0, COL_MODE)->currentText(), f.table->item(0, COL_MODE)->toolTip());
+            QCOMPARE(f.combo(1, COL_MODE)->placeholderText(), QStringLiteral("Unknow"));
+            f.panel->SetDualLaser(true);
+            texts << f.table->horizontalHeaderItem(COL_TYPE)->text();
+            QTEST(texts, "texts");
+            // The language change touched no layer.
+            QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+            QVERIFY(f.host.calls.isEmpty());
+        }
+        QCOMPARE(f.table->horizontalHeaderItem(COL_NUM)->text(), QStringLiteral("Num"));
+        QCOMPARE(f.text(0, COL_TYPE), QStringLiteral("Fiber"));
     }
 
     void rowTexts_data()
@@ -251,7 +268,6 @@ private slots:
         f.sync();
 
         QCOMPARE(f.visibleRows(), 1);
-        QCOMPARE(f.number(0), QStringLiteral("01"));
         QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), mode);
         // What the cell paints: the chosen item, or the placeholder when none is.
         QComboBox *combo = f.combo(0, COL_MODE);
@@ -263,9 +279,7 @@ private slots:
         QCOMPARE(f.editor(0, COL_SPEED)->isEnabled(), workType != WORK_MARK);
         QCOMPARE(f.editor(0, COL_POWER)->isEnabled(), workType != WORK_MARK);
         QCOMPARE(f.text(0, COL_TYPE) + f.table->item(0, COL_TYPE)->toolTip(), laser + laser);
-        QCOMPARE(f.table->item(0, COL_TYPE)->textAlignment(), int(Qt::AlignCenter));
         QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("Low"));
-        QCOMPARE(f.table->item(0, COL_MODE)->data(DlgLayerMgr::kLayerRole).value<void *>(), static_cast<void *>(layer));
     }
 
     void laserNames_data()
@@ -291,49 +305,20 @@ private slots:
         QTEST(f.text(0, COL_TYPE), "laser");
     }
 
-    void translatedTexts()
-    {
-        PanelFixture f(factoryLasers(3, 0));
-        addLayer(*f.manager, 0x123456, WORK_CUTTING);
-        addLayer(*f.manager, 0x123457, 7);
-        f.sync();
-        {
-            LanguageGuard chinese(QStringLiteral("Chs"));
-            const QStringList headers{"序号", "模式", "速度", "功率", "类型", "吹气", "输出"};
-            for (int column = 0; column < headers.size(); ++column)
-                QCOMPARE(f.table->horizontalHeaderItem(column)->text(), headers.at(column));
-            QCOMPARE(f.combo(0, COL_MODE)->currentText(), QStringLiteral("切割"));
-            QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("强"));
-            QCOMPARE(f.text(0, COL_TYPE), QStringLiteral("光纤"));
-            QCOMPARE(f.table->item(0, COL_MODE)->toolTip(), QStringLiteral("切割"));
-            QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), QStringLiteral("Unknow"));
-            QCOMPARE(f.combo(1, COL_MODE)->placeholderText(), QStringLiteral("Unknow"));
-            f.panel->SetDualLaser(true);
-            QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("类型⥮"));
-            // The language change touched no layer.
-            QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
-            QVERIFY(f.host.calls.isEmpty());
-        }
-        QCOMPARE(f.table->horizontalHeaderItem(COL_NUM)->text(), QStringLiteral("Num"));
-        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
-        QCOMPARE(f.text(0, COL_TYPE), QStringLiteral("Fiber"));
-    }
-
+    // The ink colour per number is the number button's own rule.
     void paletteNumbers_data()
     {
         QTest::addColumn<quint32>("color");
         QTest::addColumn<int>("number");
         QTest::addColumn<QString>("rgb");
-        QTest::addColumn<bool>("blackInk");
-        QTest::newRow("black") << 0u << 1 << "0,0,0" << false;
-        QTest::newRow("grey of no layer is black's") << 0x010101u << 1 << "1,1,1" << false;
-        QTest::newRow("standard 1") << 0x0B00FFu << 2 << "11,0,255" << false;
-        QTest::newRow("alternate 5 black text") << 0x01CCFDu << 6 << "1,204,253" << true;
-        QTest::newRow("standard 11 white text") << 0xF7837Fu << 12 << "247,131,127" << false;
-        QTest::newRow("standard 15 black text") << StandardLayerColor(15, false) << 16 << "107,191,255" << true;
-        QTest::newRow("standard 26 small a") << StandardLayerColor(26, false) << 27 << "55,179,129" << false;
+        QTest::newRow("black") << 0u << 1 << "0,0,0";
+        QTest::newRow("grey of no layer is black's") << 0x010101u << 1 << "1,1,1";
+        QTest::newRow("standard 1") << 0x0B00FFu << 2 << "11,0,255";
+        QTest::newRow("alternate 5") << 0x01CCFDu << 6 << "1,204,253";
+        QTest::newRow("standard 11") << 0xF7837Fu << 12 << "247,131,127";
+        QTest::newRow("standard 26 small a") << StandardLayerColor(26, false) << 27 << "55,179,129";
         // A unique number that no other layer holds stays.
-        QTest::newRow("reserved colour keeps its own number") << kReservedColorA << 99 << "204,139,23" << false;
+        QTest::newRow("reserved colour keeps its own number") << kReservedColorA << 99 << "204,139,23";
     }
 
     void paletteNumbers()
@@ -341,15 +326,14 @@ private slots:
         QFETCH(quint32, color);
         QFETCH(int, number);
         QFETCH(QString, rgb);
-        QFETCH(bool, blackInk);
         PanelFixture f;
         CLayerParam *layer = addLayer(*f.manager, color);
         layer->AUX_INDEX = 99;
         f.sync();
         QCOMPARE(layer->AUX_INDEX, number);
         QCOMPARE(f.colorButton(0)->text(), CLayerNumberWidget::NumberText(number));
-        QCOMPARE(f.colorButton(0)->styleSheet(),
-                 QStringLiteral("QPushButton{background-color:rgb(%1);color:rgb(%2)}").arg(rgb, blackInk ? "0,0,0" : "255,255,255"));
+        QVERIFY2(f.colorButton(0)->styleSheet().startsWith(QStringLiteral("QPushButton{background-color:rgb(%1);").arg(rgb)),
+                 qPrintable(f.colorButton(0)->styleSheet()));
         QCOMPARE(f.colorButton(0)->toolTip(), QStringLiteral("01"));
     }
 
@@ -360,12 +344,9 @@ private slots:
         for (int i = 0; i < 20; ++i)
             addLayer(*f.manager, plainColor(i));
         f.sync();
-        // From 37 upward; letters run on into small letters and Roman numerals.
+        // Numbers of no palette colour run from 37 upward.
         QCOMPARE(f.numbers().mid(0, 3), (QList<int>{2, 37, 38}));
         QCOMPARE(f.numbers().last(), 56);
-        const QStringList letters = f.letters();
-        QCOMPARE((QStringList{letters.at(0), letters.at(1), letters.at(16), letters.at(17), letters.at(20)}),
-                 (QStringList{"B", "k", "z", "I", "IV"}));
         QCOMPARE(f.number(20), QStringLiteral("21"));
 
         // While the list grows a layer keeps a stored number no other holds; the first
@@ -571,106 +552,86 @@ private slots:
         QVERIFY(f.host.calls.isEmpty());
     }
 
-    void modeAndAirEdit_data()
+    // Row 1 holds line speed 12.25, fill speed 30 and powers of 20; row 0 is never touched.
+    // Speed and power are those of the block the final mode uses; "shown" is the edited
+    // field, or the speed field after a choice in a list.
+    void cellEdit_data()
     {
-        QTest::addColumn<bool>("fillLocked");
         QTest::addColumn<int>("before");
-        QTest::addColumn<int>("column");
-        QTest::addColumn<QString>("choice");
-        QTest::addColumn<int>("after");
-        QTest::addColumn<QString>("speed");
-        QTest::addColumn<QStringList>("calls");
-        const QStringList modeCalls{"LayersChanged", "LayerEvent 2", "RefreshView"};
-        QTest::newRow("cutting to mark") << false << 0 << int(COL_MODE) << "Mark" << 4 << "/" << modeCalls;
-        QTest::newRow("mark to scoring") << false << 4 << int(COL_MODE) << "Scoring" << 1 << "10" << modeCalls;
-        QTest::newRow("cutting to shallow engrave") << false << 0 << int(COL_MODE) << "Shallow Engrave" << 2 << "20" << modeCalls;
-        QTest::newRow("locked fill to deep engrave") << true << 2 << int(COL_MODE) << "Deep Engrave" << 3 << "20" << modeCalls;
-        QTest::newRow("air off") << false << 0 << int(COL_AIR) << "Low" << 0 << "10" << QStringList{"LayersChanged"};
-    }
-
-    void modeAndAirEdit()
-    {
-        QFETCH(bool, fillLocked);
-        QFETCH(int, before);
-        QFETCH(int, column);
-        QFETCH(QString, choice);
-        QFETCH(int, after);
-        PanelFixture f;
-        addLayer(*f.manager, plainColor(0));
-        CLayerParam *layer = addLayer(*f.manager, plainColor(1), before);
-        layer->FILL_LOCKED = fillLocked;
-        layer->CUT.CUT_SPEED = 10;
-        layer->SWEEP.SWEEP_SPEED = 20;
-        f.sync();
-        QCOMPARE(f.combo(1, COL_MODE)->count(), fillLocked ? 2 : 5);
-        QCOMPARE(f.combo(1, COL_AIR)->currentText(), QStringLiteral("High"));
-
-        f.combo(1, column)->setCurrentText(choice);
-        QCOMPARE(layer->WORK_TYPE, after);
-        QCOMPARE(f.panel->ScratchLayer().WORK_TYPE, before);
-        QCOMPARE(layer->BLOW, column != COL_AIR);
-        QVERIFY(f.panel->ScratchLayer().BLOW);
-        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), CLayerModeWidget::WorkTypeName(after));
-        QTEST(f.editor(1, COL_SPEED)->text(), "speed");
-        QCOMPARE(f.editor(1, COL_SPEED)->isEnabled(), after != WORK_MARK);
-        QCOMPARE(f.editor(1, COL_POWER)->isEnabled(), after != WORK_MARK);
-        QTEST(f.host.calls, "calls");
-        QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
-        QVERIFY(f.manager->GetLayerAt(0)->BLOW);
-    }
-
-    void valueEdit_data()
-    {
-        QTest::addColumn<int>("workType");
+        QTest::addColumn<bool>("fillLocked");
         QTest::addColumn<int>("unitMode");
         QTest::addColumn<int>("column");
-        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<int>("after");
         QTest::addColumn<double>("speed");
         QTest::addColumn<double>("power");
         QTest::addColumn<QString>("shown");
-        // Stored before: line speed 12.25, fill speed 30, all powers 20.
-        QTest::newRow("cutting speed") << 0 << 1 << int(COL_SPEED) << "120" << 120.0 << 20.0 << "120";
-        QTest::newRow("scoring power") << 1 << 1 << int(COL_POWER) << "45.5" << 12.25 << 45.5 << "45.5";
-        QTest::newRow("engraving speed") << 2 << 1 << int(COL_SPEED) << "80" << 80.0 << 20.0 << "80";
-        QTest::newRow("deep engraving power") << 3 << 1 << int(COL_POWER) << "9.5" << 30.0 << 9.5 << "9.5";
-        QTest::newRow("speed typed in mm/min") << 0 << 3 << int(COL_SPEED) << "600" << 10.0 << 20.0 << "600";
-        QTest::newRow("garbage speed above range corrected") << 0 << 1 << int(COL_SPEED) << "5000" << 3000.0 << 20.0 << "3000";
-        QTest::newRow("garbage power above range corrected") << 0 << 1 << int(COL_POWER) << "150" << 12.25 << 100.0 << "100.0";
-        QTest::newRow("garbage power below range corrected") << 2 << 1 << int(COL_POWER) << "0" << 30.0 << 0.1 << "0.1";
-        QTest::newRow("garbage letters refused") << 0 << 1 << int(COL_SPEED) << "abc" << 12.25 << 20.0 << "12";
-        QTest::newRow("garbage work type keeps its values") << 7 << 1 << int(COL_POWER) << "50" << 30.0 << 20.0 << "20.0";
+        QTest::addColumn<QStringList>("calls");
+        const QStringList mode{"LayersChanged", "LayerEvent 2", "RefreshView"}, air{"LayersChanged"}, value;
+        QTest::newRow("cutting to mark") << 0 << false << 1 << int(COL_MODE) << "Mark" << 4 << 30.0 << 20.0 << "/" << mode;
+        QTest::newRow("mark to scoring") << 4 << false << 1 << int(COL_MODE) << "Scoring" << 1 << 12.25 << 20.0 << "12" << mode;
+        QTest::newRow("cutting to shallow engrave") << 0 << false << 1 << int(COL_MODE) << "Shallow Engrave" << 2 << 30.0 << 20.0 << "30" << mode;
+        QTest::newRow("locked fill to deep engrave") << 2 << true << 1 << int(COL_MODE) << "Deep Engrave" << 3 << 30.0 << 20.0 << "30" << mode;
+        QTest::newRow("air off") << 0 << false << 1 << int(COL_AIR) << "Low" << 0 << 12.25 << 20.0 << "12" << air;
+        QTest::newRow("cutting speed") << 0 << false << 1 << int(COL_SPEED) << "120" << 0 << 120.0 << 20.0 << "120" << value;
+        QTest::newRow("scoring power") << 1 << false << 1 << int(COL_POWER) << "45.5" << 1 << 12.25 << 45.5 << "45.5" << value;
+        QTest::newRow("engraving speed") << 2 << false << 1 << int(COL_SPEED) << "80" << 2 << 80.0 << 20.0 << "80" << value;
+        QTest::newRow("deep engraving power") << 3 << false << 1 << int(COL_POWER) << "9.5" << 3 << 30.0 << 9.5 << "9.5" << value;
+        QTest::newRow("speed typed in mm/min") << 0 << false << 3 << int(COL_SPEED) << "600" << 0 << 10.0 << 20.0 << "600" << value;
+        QTest::newRow("garbage speed above range corrected") << 0 << false << 1 << int(COL_SPEED) << "5000" << 0 << 3000.0 << 20.0 << "3000" << value;
+        QTest::newRow("garbage power above range corrected") << 0 << false << 1 << int(COL_POWER) << "150" << 0 << 12.25 << 100.0 << "100.0" << value;
+        QTest::newRow("garbage power below range corrected") << 2 << false << 1 << int(COL_POWER) << "0" << 2 << 30.0 << 0.1 << "0.1" << value;
+        QTest::newRow("garbage work type keeps its values") << 7 << false << 1 << int(COL_POWER) << "50" << 7 << 30.0 << 20.0 << "20.0" << value;
     }
 
-    void valueEdit()
+    void cellEdit()
     {
-        QFETCH(int, workType);
-        QFETCH(int, unitMode);
+        QFETCH(int, before);
+        QFETCH(bool, fillLocked);
         QFETCH(int, column);
-        QFETCH(QString, typed);
-        QFETCH(double, speed);
+        QFETCH(QString, input);
+        QFETCH(int, after);
         QFETCH(double, power);
         PanelFixture f;
+        QFETCH(int, unitMode);
         g_LayerContext.m_unitMode = unitMode;
-        CLayerParam *layer = addLayer(*f.manager, plainColor(0), workType);
+        addLayer(*f.manager, plainColor(0));
+        CLayerParam *layer = addLayer(*f.manager, plainColor(1), before);
+        layer->FILL_LOCKED = fillLocked;
         layer->CUT.CUT_SPEED = 12.25;
         layer->SWEEP.SWEEP_SPEED = 30.0;
         for (LaserParam *laser : {&layer->CUT.LASER1, &layer->CUT.LASER2, &layer->SWEEP.LASER1, &layer->SWEEP.LASER2})
             laser->POWER_MAX = 20.0;
         f.sync();
-        QVERIFY(f.show());
-        QLineEdit *edit = f.editor(0, column);
-        edit->setFocus();
-        edit->selectAll();
-        QTest::keyClicks(edit, typed);
-        QTest::keyClick(edit, Qt::Key_Return);
+        QCOMPARE(f.combo(1, COL_MODE)->count(), fillLocked ? 2 : 5);
+        QCOMPARE(f.combo(1, COL_AIR)->currentText(), QStringLiteral("High"));
 
-        const bool line = workType == WORK_CUTTING || workType == WORK_SCORING;
-        QCOMPARE(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, speed);
+        const bool list = column == COL_MODE || column == COL_AIR;
+        QLineEdit *shown = f.editor(1, list ? int(COL_SPEED) : column);
+        if (list) {
+            f.combo(1, column)->setCurrentText(input);
+        } else {
+            shown->setFocus();
+            shown->selectAll();
+            QTest::keyClicks(shown, input);
+            QTest::keyClick(shown, Qt::Key_Return);
+        }
+        QCOMPARE(layer->WORK_TYPE, after);
+        QCOMPARE(layer->BLOW, column != COL_AIR);
+        QCOMPARE(f.table->item(1, COL_MODE)->toolTip(), CLayerModeWidget::WorkTypeName(after));
+        QTEST(shown->text(), "shown");
+        QCOMPARE(f.editor(1, COL_SPEED)->isEnabled(), after != WORK_MARK);
+        QCOMPARE(f.editor(1, COL_POWER)->isEnabled(), after != WORK_MARK);
+        const bool line = after == WORK_CUTTING || after == WORK_SCORING;
+        QTEST(line ? layer->CUT.CUT_SPEED : layer->SWEEP.SWEEP_SPEED, "speed");
         QCOMPARE(line ? layer->CUT.LASER1.POWER_MAX : layer->SWEEP.LASER1.POWER_MAX, power);
         QCOMPARE(line ? layer->CUT.LASER2.POWER_MAX : layer->SWEEP.LASER2.POWER_MAX, power);
-        // The other process block is left alone; the field shows what the layer holds.
+        // The other process block, the scratch copy and the other layer are left alone.
         QCOMPARE(line ? layer->SWEEP.LASER1.POWER_MAX : layer->CUT.LASER1.POWER_MAX, 20.0);
-        QTEST(edit->text(), "shown");
+        QVERIFY(!list || (f.panel->ScratchLayer().WORK_TYPE == before && f.panel->ScratchLayer().BLOW));
+        QTEST(f.host.calls, "calls");
+        QCOMPARE(f.manager->GetLayerAt(0)->WORK_TYPE, int(WORK_CUTTING));
+        QVERIFY(f.manager->GetLayerAt(0)->BLOW);
     }
 
     void destroyedWhileEditing()
@@ -691,32 +652,32 @@ private slots:
         QVERIFY(f.host.calls.isEmpty());
     }
 
-    void dragReordersLayers()
+    // The table reports a drag as a move from one row to another; the layers follow.
+    void moveLayer_data()
     {
+        QTest::addColumn<int>("from");
+        QTest::addColumn<int>("to");
+        QTest::addColumn<QStringList>("letters");
+        QTest::newRow("first to end") << 0 << 4 << QStringList{"C", "D", "E", "F", "B"};
+        QTest::newRow("last to first") << 4 << 0 << QStringList{"F", "B", "C", "D", "E"};
+        QTest::newRow("garbage negative row") << -1 << 2 << QStringList{"B", "C", "D", "E", "F"};
+        QTest::newRow("garbage row past the layers") << 1 << 7 << QStringList{"B", "C", "D", "E", "F"};
+    }
+
+    void moveLayer()
+    {
+        QFETCH(int, from);
+        QFETCH(int, to);
+        QFETCH(QStringList, letters);
         PanelFixture f;
         QVERIFY(f.withLayers(5, true));
-        QCOMPARE(f.letters(), (QStringList{"B", "C", "D", "E", "F"}));
-        const QPoint from = f.centre(0, COL_TYPE);
-        QTest::mousePress(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
-        QTest::mouseRelease(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, from);
-        f.host.calls.clear();
-        std::unique_ptr<QMimeData> data(f.table->model()->mimeData({f.table->model()->index(0, 0)}));
-        const QPoint target = f.centre(4, COL_TYPE) + QPoint(0, 5);
-        QDragEnterEvent enter(from, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(f.table->viewport(), &enter);
-        QDragMoveEvent move(target, Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(f.table->viewport(), &move);
-        QDropEvent drop(QPointF(target), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(f.table->viewport(), &drop);
-
-        QCOMPARE(f.manager->GetLayerAt(4)->COLOR, StandardLayerColor(1, false));
-        QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
-        QCOMPARE(f.number(4), QStringLiteral("05"));
-        QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
-        QVERIFY(f.selected(4));
-        f.panel->MoveLayerSlot(-1, 2);
-        f.panel->MoveLayerSlot(1, 7);
-        QCOMPARE(f.letters(), (QStringList{"C", "D", "E", "F", "B"}));
+        emit f.table->MoveLayerSignal(from, to);
+        QCOMPARE(f.letters(), letters);
+        if (letters.first() != QLatin1String("B")) {
+            QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
+            QCOMPARE(f.manager->GetLayerAt(quint32(to))->COLOR, StandardLayerColor(quint32(from) + 1, false));
+            QCOMPARE(f.number(to), QString::number(to + 1).rightJustified(2, QLatin1Char('0')));
+        }
     }
 
     void doubleClickOpensLibraryDialog_data()

@@ -103,65 +103,33 @@ private slots:
         auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
         QVERIFY(button && label);
         QCOMPARE(button->text(), letter);
-        QCOMPARE(widget.ButtonText(), letter);
         QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}")
                                            .arg(blackInk ? "0,0,0" : "255,255,255"));
         QCOMPARE(button->toolTip() + label->text() + label->toolTip(), QStringLiteral("070707"));
     }
 
-    void modeLists_data()
+    // The lists in both languages; a language change keeps the choice and says nothing.
+    void comboLists_data()
     {
-        QTest::addColumn<bool>("fillOnly");
-        QTest::addColumn<QStringList>("items");
-        QTest::addColumn<QList<int>>("workTypes");
-        QTest::newRow("every mode") << false
-                                    << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
-                                    << QList<int>{0, 1, 2, 3, 4};
-        QTest::newRow("fill only") << true << QStringList{"Shallow Engrave", "Deep Engrave"} << QList<int>{2, 3};
-    }
-
-    void modeLists()
-    {
-        QFETCH(bool, fillOnly);
-        QFETCH(QStringList, items);
-        QFETCH(QList<int>, workTypes);
-        TestEnvironment env;
-        CLayerModeWidget widget;
-        auto *combo = widget.findChild<QComboBox *>(QStringLiteral("comboBox_mode"));
-        QVERIFY(combo);
-        QCOMPARE(itemsOf(combo).size(), 5);
-        widget.BuildList(fillOnly);
-        QCOMPARE(itemsOf(combo), items);
-        QCOMPARE(widget.FillOnly(), fillOnly);
-        for (int i = 0; i < workTypes.size(); ++i)
-            QCOMPARE(widget.WorkTypeAt(i), workTypes.at(i));
-        QSignalSpy changed(&widget, &CLayerModeWidget::currentIndexChanged);
-        widget.SetCurrentText(items.last());
-        QCOMPARE(widget.CurrentIndex(), items.size() - 1);
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(changed.takeFirst().at(0).toInt(), items.size() - 1);
-    }
-
-    void languageChangeKeepsChoice_data()
-    {
-        QTest::addColumn<bool>("air");
+        QTest::addColumn<int>("kind"); // 0: every mode, 1: fill modes only, 2: air
         QTest::addColumn<QStringList>("english");
         QTest::addColumn<QStringList>("chinese");
-        QTest::newRow("fill modes") << false << QStringList{"Shallow Engrave", "Deep Engrave"}
-                                    << QStringList{"浅雕", "深雕"};
-        QTest::newRow("air") << true << QStringList{"High", "Low"} << QStringList{"强", "弱"};
+        QTest::newRow("every mode") << 0 << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
+                                    << QStringList{"切割", "划线", "浅雕", "深雕", "标记"};
+        QTest::newRow("fill modes") << 1 << QStringList{"Shallow Engrave", "Deep Engrave"} << QStringList{"浅雕", "深雕"};
+        QTest::newRow("air") << 2 << QStringList{"High", "Low"} << QStringList{"强", "弱"};
     }
 
-    void languageChangeKeepsChoice()
+    void comboLists()
     {
-        QFETCH(bool, air);
+        QFETCH(int, kind);
         QFETCH(QStringList, english);
         QFETCH(QStringList, chinese);
         TestEnvironment env;
-        std::unique_ptr<QWidget> cell(comboCell(air));
-        if (!air)
+        std::unique_ptr<QWidget> cell(comboCell(kind == 2));
+        if (kind == 1)
             static_cast<CLayerModeWidget *>(cell.get())->BuildList(true);
-        auto *combo = cell->findChild<QComboBox *>(air ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
+        auto *combo = cell->findChild<QComboBox *>(kind == 2 ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
         QVERIFY(combo);
         QCOMPARE(itemsOf(combo), english);
         combo->setCurrentText(english.at(1));
@@ -237,36 +205,65 @@ private slots:
         QVERIFY(fixture.table.selectionModel()->isRowSelected(3, QModelIndex()));
     }
 
-    void lineEditShownText_data()
+    // Decimals -1: no range; 0: speeds of 0 to 3000; 1: powers of 0.1 to 100. Set rows hand the
+    // text over as the panel does; typed rows type it and press Return ("<empty>": the field
+    // showed 20 and was cleared first).
+    void lineEdit_data()
     {
         QTest::addColumn<int>("decimals");
-        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("typed");
+        QTest::addColumn<QString>("input");
         QTest::addColumn<QString>("shown");
-        QTest::addColumn<double>("value");
-        QTest::newRow("one decimal") << 1 << "12.345" << "12.3" << 12.3;
-        QTest::newRow("no decimals") << 0 << "12.345" << "12" << 12.0;
-        QTest::newRow("half rounds up") << 0 << "12.5" << "13" << 13.0;
-        QTest::newRow("integer padded") << 1 << "20" << "20.0" << 20.0;
-        QTest::newRow("slash as is") << 0 << "/" << "/" << 0.0;
-        QTest::newRow("no validator leaves text") << -1 << "12.345" << "12.345" << 12.345;
-        QTest::newRow("garbage text as is") << 1 << "abc" << "abc" << 0.0;
-        QTest::newRow("garbage huge number") << 0 << "1e300" << QString::number(1e300, 'f', 0) << 1e300;
+        QTest::addColumn<int>("finished");
+        QTest::newRow("set, one decimal") << 1 << false << "12.345" << "12.3" << 0;
+        QTest::newRow("set, no decimals") << 0 << false << "12.345" << "12" << 0;
+        QTest::newRow("set, half rounds up") << 0 << false << "12.5" << "13" << 0;
+        QTest::newRow("set, integer padded") << 1 << false << "20" << "20.0" << 0;
+        QTest::newRow("set, slash as is") << 0 << false << "/" << "/" << 0;
+        QTest::newRow("set, no validator leaves text") << -1 << false << "12.345" << "12.345" << 0;
+        QTest::newRow("set, garbage text as is") << 1 << false << "abc" << "abc" << 0;
+        QTest::newRow("set, garbage huge number") << 0 << false << "1e300" << QString::number(1e300, 'f', 0) << 0;
+        QTest::newRow("speed inside") << 0 << true << "250" << "250" << 1;
+        QTest::newRow("speed above range corrected") << 0 << true << "3001" << "3000" << 1;
+        QTest::newRow("speed decimals refused") << 0 << true << "12.5" << "12." << 1;
+        QTest::newRow("power inside") << 1 << true << "55.5" << "55.5" << 1;
+        QTest::newRow("power second decimal refused") << 1 << true << "55.55" << "55.5" << 1;
+        QTest::newRow("power zero corrected to the minimum") << 1 << true << "0" << "0.1" << 1;
+        QTest::newRow("garbage letters refused") << 1 << true << "x" << "" << 0;
+        QTest::newRow("emptied gives the shown value back") << 1 << true << "<empty>" << "20.0" << 1;
+        QTest::newRow("lone point gives the shown value back") << 1 << true << "<empty>." << "20.0" << 1;
     }
 
-    void lineEditShownText()
+    void lineEdit()
     {
         QFETCH(int, decimals);
-        QFETCH(QString, text);
-        QFETCH(QString, shown);
+        QFETCH(bool, typed);
+        QFETCH(QString, input);
         TestEnvironment env;
         CLayerLineEditWidget widget;
-        if (decimals >= 0)
-            widget.SetRange(0.0, 3000.0, decimals, QLocale::C);
-        widget.SetText(text);
+        if (decimals == 0)
+            widget.SetRange(0.0, 3000.0, 0, QLocale::C);
+        else if (decimals == 1)
+            widget.SetRange(0.1, 100.0, 1, QLocale::C);
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
         auto *edit = widget.findChild<QLineEdit *>();
-        QCOMPARE(edit->text(), shown);
-        QCOMPARE(widget.Text(), shown);
-        QTEST(widget.Value(), "value");
+        edit->setFocus();
+        QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
+        if (!typed) {
+            widget.SetText(input);
+        } else {
+            if (input.startsWith(QLatin1String("<empty>"))) {
+                widget.SetText(QStringLiteral("20"));
+                edit->clear();
+                input = input.mid(7);
+            }
+            QTest::keyClicks(edit, input);
+            QTest::keyClick(edit, Qt::Key_Return);
+        }
+        QTEST(edit->text(), "shown");
+        QCOMPARE(widget.Text(), edit->text());
+        QTEST(int(done.count()), "finished");
     }
 
     void lineEditFillsNarrowCell()
@@ -283,49 +280,6 @@ private slots:
         QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
         QCOMPARE(edit->height(), edit->sizeHint().height());
         QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
-    }
-
-    void lineEditRefusesOutOfRange_data()
-    {
-        QTest::addColumn<int>("decimals");
-        QTest::addColumn<QString>("keys");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<int>("finished");
-        QTest::newRow("speed inside") << 0 << "250" << "250" << 1;
-        QTest::newRow("speed above range corrected") << 0 << "3001" << "3000" << 1;
-        QTest::newRow("speed decimals refused") << 0 << "12.5" << "12." << 1;
-        QTest::newRow("power inside") << 1 << "55.5" << "55.5" << 1;
-        QTest::newRow("power second decimal refused") << 1 << "55.55" << "55.5" << 1;
-        QTest::newRow("power zero corrected to the minimum") << 1 << "0" << "0.1" << 1;
-        QTest::newRow("garbage letters refused") << 1 << "x" << "" << 0;
-        QTest::newRow("emptied gives the shown value back") << 1 << "<empty>" << "20.0" << 1;
-        QTest::newRow("lone point gives the shown value back") << 1 << "<empty>." << "20.0" << 1;
-    }
-
-    void lineEditRefusesOutOfRange()
-    {
-        QFETCH(int, decimals);
-        QFETCH(QString, keys);
-        TestEnvironment env;
-        CLayerLineEditWidget widget;
-        if (decimals == 0)
-            widget.SetRange(0.0, 3000.0, 0, QLocale::C);
-        else
-            widget.SetRange(0.1, 100.0, 1, QLocale::C);
-        widget.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&widget));
-        auto *edit = widget.findChild<QLineEdit *>();
-        edit->setFocus();
-        QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
-        if (keys.startsWith(QLatin1String("<empty>"))) {
-            widget.SetText(QStringLiteral("20"));
-            edit->clear();
-            keys = keys.mid(7);
-        }
-        QTest::keyClicks(edit, keys);
-        QTest::keyClick(edit, Qt::Key_Return);
-        QTEST(edit->text(), "shown");
-        QTEST(int(done.count()), "finished");
     }
 };
 

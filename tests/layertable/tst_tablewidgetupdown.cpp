@@ -175,18 +175,6 @@ private slots:
         QCOMPARE(state(*table), QStringLiteral("Moved"));
     }
 
-    void pastEndWithoutVisibleRows()
-    {
-        TestEnvironment env;
-        auto table = makeTable(0, 4);
-        QVERIFY(table);
-        QVERIFY(!table->IsPastEnd(QPoint(10, 1000)));
-        auto one = makeTable(1, 0);
-        QVERIFY(one);
-        QVERIFY(one->IsPastEnd(centreOf(*one, 0) + QPoint(0, 1)));
-        QVERIFY(!one->IsPastEnd(centreOf(*one, 0)));
-    }
-
     void autoScroll_data()
     {
         QTest::addColumn<int>("y");

@@ -13,7 +13,7 @@ using namespace paneltest;
 
 namespace {
 
-enum EBUILD { BUILD_FLOAT, BUILD_FLOAT_WITH_RESET, BUILD_INT };
+enum EBUILD { BUILD_FLOAT, BUILD_FLOAT_WITH_RESET, BUILD_INT, BUILD_TEXT };
 
 struct Bounds
 {
@@ -33,6 +33,8 @@ void writeUnit(const TestEnvironment &env, int unit)
 
 std::unique_ptr<Validator> build(QLineEdit *edit, const Bounds &b)
 {
+    if (b.build == BUILD_TEXT)
+        return std::make_unique<Validator>(edit, int(b.max), int(Validator::CHECK_TEXT_LENGTH));
     if (b.build == BUILD_INT)
         return std::make_unique<Validator>(edit, int(b.min), int(b.max), b.valueKind, int(Validator::CHECK_INT_RANGE));
     if (b.build == BUILD_FLOAT_WITH_RESET)
@@ -57,10 +59,12 @@ const Bounds kSpeed{BUILD_FLOAT, 0.0, 200.0, 2, Validator::VALUE_SPEED};
 const Bounds kPower{BUILD_FLOAT, 0.1, 100.0, 1, Validator::VALUE_PLAIN};
 const Bounds kLength{BUILD_FLOAT, 0.0, 20.0, 2, Validator::VALUE_LENGTH};
 const Bounds kCount{BUILD_INT, 1, 100, 0, Validator::VALUE_PLAIN};
+const Bounds kText{BUILD_TEXT, 0, 20, 0, Validator::VALUE_PLAIN};
 const char *const kSpeedRange = "Input range 0 to 200 ,2 decimal places";
 const char *const kCountRange = "Input range 1 to 100";
 
-// One row of the tables below: unit code (-1: no cfg.ini), validator, input, what is left, message.
+// One row of the table below: unit code (-1: no cfg.ini), validator, input, what is left, message,
+// and how the input is left (QEvent::None: it was typed key by key).
 void row(const char *name, int unit, const Bounds &bounds, const char *input, const char *after,
          const char *message = "", QEvent::Type event = QEvent::FocusOut)
 {
@@ -87,7 +91,7 @@ class tst_Validator : public QObject
     }
 
 private slots:
-    void correctionOnLeaving_data()
+    void correction_data()
     {
         columns();
         row("mm/min speed inside", 3, kSpeed, "150", "150");
@@ -115,9 +119,24 @@ private slots:
         row("integer inch length", 0, {BUILD_INT, 0, 4000, 0, Validator::VALUE_LENGTH}, "-2", "0", "Input range 0 to 157");
         row("integer mm/min speed", 3, {BUILD_INT, 0, 200, 0, Validator::VALUE_SPEED}, "-5", "0", "Input range 0 to 12000");
         row("integer inch/min speed", 2, {BUILD_INT, 10, 200, 0, Validator::VALUE_SPEED}, "", "23", "Input range 23 to 472");
+        // Typed key by key.
+        row("mm/min speed up to displayed maximum", 3, kSpeed, "12000", "12000", "", QEvent::None);
+        row("mm/min speed beyond displayed maximum", 3, kSpeed, "12001", "12001", "Input range 0 to 12000 ,2 decimal places",
+            QEvent::None);
+        row("third decimal refused", 1, kSpeed, "1.234", "1.23", kSpeedRange, QEvent::None);
+        row("trailing point allowed", 1, kSpeed, "12.", "12.", "", QEvent::None);
+        row("lone minus allowed", 1, kSpeed, "-", "-", "", QEvent::None);
+        row("letters refused", 1, kSpeed, "1x2", "12", "", QEvent::None);
+        row("integer letters refused", 1, kCount, "a7b", "7", "", QEvent::None);
+        row("integer above range kept with message", 1, kCount, "500", "500", kCountRange, QEvent::None);
+        row("integer back in range hides message", 1, kCount, "500\b", "50", "", QEvent::None);
+        row("text up to its limit", 3, kText, "abcdefghijklmnopqrst", "abcdefghijklmnopqrst", "", QEvent::None);
+        row("text beyond its limit", 3, kText, "abcdefghijklmnopqrstu", "abcdefghijklmnopqrst",
+            "Maximum text length exceeded: 20", QEvent::None);
+        row("text left alone on leaving", 1, kText, "abc", "abc");
     }
 
-    void correctionOnLeaving()
+    void correction()
     {
         QFETCH(int, unit);
         QFETCH(Bounds, bounds);
@@ -128,63 +147,19 @@ private slots:
         QLineEdit edit;
         auto validator = build(&edit, bounds);
         edit.setValidator(validator.get());
-        edit.setText(input);
-        leave(&edit, QEvent::Type(event));
-        QTEST(edit.text(), "after");
-        QTEST(validator->LastMessage(), "message");
-    }
-
-    void typing_data()
-    {
-        columns();
-        row("mm/min speed up to displayed maximum", 3, kSpeed, "12000", "12000");
-        row("mm/min speed beyond displayed maximum", 3, kSpeed, "12001", "12001", "Input range 0 to 12000 ,2 decimal places");
-        row("third decimal refused", 1, kSpeed, "1.234", "1.23", kSpeedRange);
-        row("trailing point allowed", 1, kSpeed, "12.", "12.");
-        row("lone minus allowed", 1, kSpeed, "-", "-");
-        row("letters refused", 1, kSpeed, "1x2", "12");
-        row("integer letters refused", 1, kCount, "a7b", "7");
-        row("integer above range kept with message", 1, kCount, "500", "500", kCountRange);
-        row("integer back in range hides message", 1, kCount, "500\b", "50");
-    }
-
-    void typing()
-    {
-        QFETCH(int, unit);
-        QFETCH(Bounds, bounds);
-        QFETCH(QString, input);
-        TestEnvironment env;
-        writeUnit(env, unit);
-        QLineEdit edit;
-        auto validator = build(&edit, bounds);
-        edit.setValidator(validator.get());
-        for (const QChar c : std::as_const(input)) {
-            if (c == QLatin1Char('\b'))
-                QTest::keyClick(&edit, Qt::Key_Backspace);
-            else
-                QTest::keyClicks(&edit, QString(c));
+        if (event == QEvent::None) {
+            for (const QChar c : std::as_const(input)) {
+                if (c == QLatin1Char('\b'))
+                    QTest::keyClick(&edit, Qt::Key_Backspace);
+                else
+                    QTest::keyClicks(&edit, QString(c));
+            }
+        } else {
+            edit.setText(input);
+            leave(&edit, QEvent::Type(event));
         }
         QTEST(edit.text(), "after");
         QTEST(validator->LastMessage(), "message");
-    }
-
-    void textLengthLimit()
-    {
-        TestEnvironment env;
-        writeUnit(env, 3);
-        QLineEdit edit;
-        Validator validator(&edit, 20, int(Validator::CHECK_TEXT_LENGTH));
-        edit.setValidator(&validator);
-        QCOMPARE(validator.UnitCode(), 1);
-        QTest::keyClicks(&edit, QStringLiteral("abcdefghijklmnopqrst"));
-        QCOMPARE(edit.text().size(), 20);
-        QCOMPARE(validator.LastMessage(), QString());
-        QTest::keyClicks(&edit, QStringLiteral("u"));
-        QCOMPARE(edit.text(), QStringLiteral("abcdefghijklmnopqrst"));
-        QCOMPARE(validator.LastMessage(), QStringLiteral("Maximum text length exceeded: 20"));
-        // Leaving a text field changes nothing.
-        leave(&edit);
-        QCOMPARE(edit.text(), QStringLiteral("abcdefghijklmnopqrst"));
     }
 
     void messagesAreTranslated()

@@ -128,6 +128,19 @@ CLayerParam *layerOf(ILayerMgr &manager, char letter)
     return manager.GetLayerByColor(colorOf(QLatin1Char(letter)));
 }
 
+// "A:FIELD=value" given to layer A, as the user would edit it.
+void setField(ILayerMgr &manager, const QString &entry)
+{
+    CLayerParam &l = *manager.GetLayerByColor(colorOf(entry[0]));
+    const QString field = entry.mid(2).section(QLatin1Char('='), 0, 0);
+    const double value = entry.section(QLatin1Char('='), 1).toDouble();
+#define LAYERTEST_ASSIGN(f)                                                                        \
+    if (field == QLatin1String(#f))                                                                \
+        l.f = decltype(l.f)(value);
+    LAYERTEST_FIELDS(LAYERTEST_ASSIGN)
+#undef LAYERTEST_ASSIGN
+}
+
 // The entries "A:FIELD=value" that the manager's layers do not show.
 QString unmet(ILayerMgr &manager, const QStringList &expect)
 {
@@ -171,13 +184,9 @@ private slots:
     void updateLayers_data();
     void updateLayers();
     void returningColour();
-    void pendingColourUsedOnce();
     void duplicateColourAfterLoading();
     void regroup_data();
     void regroup();
-    void newLayerJoinsItsLaserGroup();
-    void moveLayer_data();
-    void moveLayer();
     void addLayerAndQueries();
     void rememberedParams();
     void selectLayersOfShapes_data();
@@ -228,46 +237,61 @@ void tst_CLayerMgrIns::standardColors()
 void tst_CLayerMgrIns::updateLayers_data()
 {
     // clang-format off
-    // Each step is a drawing handed to UpdateLayers, or "move <from> <to>".
+    // Each step is a drawing handed to UpdateLayers, "move <from> <to>",
+    // "off <colours>" for the colours to start without output, "set A:FIELD=v"
+    // to edit a layer, or "vert <n>" for the user's vertical fill order.
     QTest::addColumn<QStringList>("steps");
-    QTest::addColumn<QString>("pendingOff");
     QTest::addColumn<quint64>("result"); // of the last step
     QTest::addColumn<QString>("order");
     QTest::addColumn<QString>("panel"); // the order the panel last refilled with
     QTest::addColumn<QStringList>("expect");
 
-    QTest::newRow("empty drawing") << QStringList{""} << "" << 0ull << "" << "" << QStringList();
-    QTest::newRow("colours A B A") << QStringList{"A B A"} << "" << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
-    QTest::newRow("image shape") << QStringList{"Ai"} << "" << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
-    QTest::newRow("image after a path of its colour") << QStringList{"A Ai"} << "" << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
-    QTest::newRow("new engraving goes before cutting") << QStringList{"A Bi"} << "" << 1ull << "B A" << "B A" << QStringList{"B:WORK_TYPE=2"};
-    QTest::newRow("selected shapes") << QStringList{"A B* A C C*"} << "" << 1ull << "A B C" << "A B C" << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
-    QTest::newRow("pending colour starts off") << QStringList{"A B"} << "BD" << 1ull << "A B" << "A B" << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
+    QTest::newRow("empty drawing") << QStringList{""} << 0ull << "" << "" << QStringList();
+    QTest::newRow("colours A B A") << QStringList{"A B A"} << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
+    QTest::newRow("image shape") << QStringList{"Ai"} << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("image after a path of its colour") << QStringList{"A Ai"} << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
+    QTest::newRow("new engraving goes before cutting") << QStringList{"A Bi"} << 1ull << "B A" << "B A" << QStringList{"B:WORK_TYPE=2"};
+    QTest::newRow("selected shapes") << QStringList{"A B* A C C*"} << 1ull << "A B C" << "A B C" << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
+    QTest::newRow("pending colour starts off") << QStringList{"off BD", "A B"} << 1ull << "A B" << "A B" << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
+    QTest::newRow("new layer takes the user's fill order") << QStringList{"vert 2", "A B"} << 1ull << "A B" << "A B" << QStringList{"B:SWEEP.SWEEP_VERT_TYPE=2"};
+    // A colour back keeps its values, but the vertical fill order is the user's.
+    QTest::newRow("returning colour") << QStringList{"A B C", "set B:CUT.CUT_SPEED=42", "set B:WORK_TYPE=1", "set B:SWEEP.SWEEP_TYPE=4", "set B:SWEEP.SWEEP_VERT_TYPE=9", "A C", "vert 5", "A C B"} << 1ull << "B A C" << "B A C" << QStringList{"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4", "B:SWEEP.SWEEP_VERT_TYPE=5"};
+    QTest::newRow("returning as an image") << QStringList{"A B C", "set B:CUT.CUT_SPEED=42", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("returning deep engraving") << QStringList{"A B C", "set B:WORK_TYPE=3", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
+    QTest::newRow("pending colour used once") << QStringList{"off BC", "A B", "set B:OUTPUT=1", "A", "A B C"} << 1ull << "A B C" << "A B C" << QStringList{"B:OUTPUT=true", "C:OUTPUT=false"};
+    QTest::newRow("new pending set replaces") << QStringList{"off D", "off E", "A D E"} << 1ull << "A D E" << "A D E" << QStringList{"D:OUTPUT=true", "E:OUTPUT=false"};
+    QTest::newRow("move: same place") << QStringList{"A B C", "move 2 2"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: negative from") << QStringList{"A B C", "move -1 0"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: negative to") << QStringList{"A B C", "move 0 -1"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: from past the end") << QStringList{"A B C", "move 3 0"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: to past the end") << QStringList{"A B C", "move 0 3"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: first to end") << QStringList{"A B C", "move 0 2"} << 1ull << "B C A" << "A B C" << QStringList();
+    QTest::newRow("move: last to front") << QStringList{"A B C", "move 2 0"} << 1ull << "C A B" << "A B C" << QStringList();
+    QTest::newRow("move: one down") << QStringList{"A B C", "move 1 2"} << 1ull << "A C B" << "A B C" << QStringList();
     // The panel refills without the reserved layers; they follow at the end.
-    QTest::newRow("reserved first stays") << QStringList{"R A"} << "" << 1ull << "R A" << "R A" << QStringList();
-    QTest::newRow("reserved go last") << QStringList{"B S A R C"} << "" << 1ull << "B A C R S" << "B A C" << QStringList();
-    QTest::newRow("reserved at 0 and 1") << QStringList{"R S A"} << "" << 1ull << "R A S" << "R A" << QStringList();
-    QTest::newRow("second reserved at 0") << QStringList{"S A R"} << "" << 1ull << "S A R" << "S A" << QStringList();
-    QTest::newRow("same drawing") << QStringList{"A B", "A B"} << "" << 0ull << "A B" << "A B" << QStringList();
-    QTest::newRow("shapes in another order") << QStringList{"A B", "B A B"} << "" << 0ull << "A B" << "A B" << QStringList();
-    QTest::newRow("selection alone is no change") << QStringList{"A B", "A* B"} << "" << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=true"};
-    QTest::newRow("selection cleared") << QStringList{"A* B", "A B"} << "" << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=false"};
-    QTest::newRow("image of an existing colour") << QStringList{"A", "Ai"} << "" << 0ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
-    QTest::newRow("new colour") << QStringList{"A", "A B"} << "" << 1ull << "A B" << "A B" << QStringList();
-    QTest::newRow("colour gone") << QStringList{"A B", "B"} << "" << 1ull << "B" << "B" << QStringList();
-    QTest::newRow("all gone") << QStringList{"A B", ""} << "" << 1ull << "" << "" << QStringList();
-    QTest::newRow("one gone, one new") << QStringList{"A B", "C B"} << "" << 1ull << "B C" << "B C" << QStringList();
+    QTest::newRow("reserved first stays") << QStringList{"R A"} << 1ull << "R A" << "R A" << QStringList();
+    QTest::newRow("reserved go last") << QStringList{"B S A R C"} << 1ull << "B A C R S" << "B A C" << QStringList();
+    QTest::newRow("reserved at 0 and 1") << QStringList{"R S A"} << 1ull << "R A S" << "R A" << QStringList();
+    QTest::newRow("second reserved at 0") << QStringList{"S A R"} << 1ull << "S A R" << "S A" << QStringList();
+    QTest::newRow("same drawing") << QStringList{"A B", "A B"} << 0ull << "A B" << "A B" << QStringList();
+    QTest::newRow("shapes in another order") << QStringList{"A B", "B A B"} << 0ull << "A B" << "A B" << QStringList();
+    QTest::newRow("selection alone is no change") << QStringList{"A B", "A* B"} << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=true"};
+    QTest::newRow("selection cleared") << QStringList{"A* B", "A B"} << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=false"};
+    QTest::newRow("image of an existing colour") << QStringList{"A", "Ai"} << 0ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
+    QTest::newRow("new colour") << QStringList{"A", "A B"} << 1ull << "A B" << "A B" << QStringList();
+    QTest::newRow("colour gone") << QStringList{"A B", "B"} << 1ull << "B" << "B" << QStringList();
+    QTest::newRow("all gone") << QStringList{"A B", ""} << 1ull << "" << "" << QStringList();
+    QTest::newRow("one gone, one new") << QStringList{"A B", "C B"} << 1ull << "B C" << "B C" << QStringList();
     // Removing never regroups: C, engraving, stays behind the cutting layers.
-    QTest::newRow("drop B") << QStringList{"A B Ci D E", "move 2 4", "A Ci D E"} << "" << 1ull << "A D E C" << "A D E C" << QStringList();
-    QTest::newRow("drop A and E") << QStringList{"A B Ci D E", "move 2 4", "B Ci D"} << "" << 1ull << "B D C" << "B D C" << QStringList();
-    QTest::newRow("drop C") << QStringList{"A B Ci D E", "move 2 4", "A B D E"} << "" << 1ull << "A B D E" << "A B D E" << QStringList();
+    QTest::newRow("drop B") << QStringList{"A B Ci D E", "move 2 4", "A Ci D E"} << 1ull << "A D E C" << "A D E C" << QStringList();
+    QTest::newRow("drop A and E") << QStringList{"A B Ci D E", "move 2 4", "B Ci D"} << 1ull << "B D C" << "B D C" << QStringList();
+    QTest::newRow("drop C") << QStringList{"A B Ci D E", "move 2 4", "A B D E"} << 1ull << "A B D E" << "A B D E" << QStringList();
     // clang-format on
 }
 
 void tst_CLayerMgrIns::updateLayers()
 {
     QFETCH(QStringList, steps);
-    QFETCH(QString, pendingOff);
     QFETCH(quint64, result);
     QFETCH(QString, order);
     QFETCH(QString, panel);
@@ -276,22 +300,27 @@ void tst_CLayerMgrIns::updateLayers()
     FakePanel fake;
     g_pLayerPanel = &fake;
     CLayerMgrIns manager(nullptr);
-    QSet<quint32> off;
-    for (const QChar c : pendingOff)
-        off.insert(colorOf(c));
-    manager.SetNonOutputColors(&off);
-    QVERIFY(off.isEmpty());
 
     quint64 last = 0;
     int drawings = 0;
     for (const QString &step : steps) {
-        const QStringList move = step.split(QLatin1Char(' '));
-        if (move.first() == QLatin1String("move")) {
-            QVERIFY(manager.MoveLayer(move[1].toInt(), move[2].toInt()));
-            continue;
+        const QStringList words = step.split(QLatin1Char(' '));
+        if (words.first() == QLatin1String("move")) {
+            last = manager.MoveLayer(words[1].toInt(), words[2].toInt());
+        } else if (words.first() == QLatin1String("off")) {
+            QSet<quint32> off;
+            for (const QChar c : words[1])
+                off.insert(colorOf(c));
+            manager.SetNonOutputColors(&off);
+            QVERIFY(off.isEmpty()); // taken over, not copied
+        } else if (words.first() == QLatin1String("set")) {
+            setField(manager, words[1]);
+        } else if (words.first() == QLatin1String("vert")) {
+            setSweepVertType(words[1].toInt());
+        } else {
+            last = ::update(manager, step);
+            ++drawings;
         }
-        last = ::update(manager, step);
-        ++drawings;
     }
     QCOMPARE(last, result);
     QCOMPARE(::order(manager), order);
@@ -308,65 +337,18 @@ void tst_CLayerMgrIns::returningColour()
     TestEnvironment env;
     for (const char c : {'A', 'B', 'Z'})
         g_LayerContext.SetRunningOption(colorOf(QLatin1Char(c)), CRunningOptions());
-    setSweepVertType(2);
     CLayerMgrIns manager(nullptr);
     update(manager, QStringLiteral("A B C"));
-    QCOMPARE(unmet(manager, {"B:SWEEP.SWEEP_VERT_TYPE=2"}), QString());
-
-    CLayerParam *b = layerOf(manager, 'B');
-    b->CUT.CUT_SPEED = 42;
-    b->WORK_TYPE = WORK_SCORING;
-    b->SWEEP.SWEEP_TYPE = 4;
-    b->SWEEP.SWEEP_VERT_TYPE = 9;
-    QCOMPARE(update(manager, QStringLiteral("A C")), 1u);
-    QCOMPARE(manager.RememberedLayers().size(), size_t(1));
-    QCOMPARE(manager.RememberedLayers()[0]->CUT.CUT_SPEED, 42.0);
+    layerOf(manager, 'B')->CUT.CUT_SPEED = 42;
+    update(manager, QStringLiteral("A C"));
     // The running options of a colour go with its layer.
     QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('A'))));
     QVERIFY(!g_LayerContext.FindRunningOption(colorOf(QLatin1Char('B'))));
     QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('Z'))));
-
-    // Back with its parameters, but the vertical fill order is the user's.
-    setSweepVertType(5);
     update(manager, QStringLiteral("A C B"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4",
-                             "B:SWEEP.SWEEP_VERT_TYPE=5"}),
-             QString());
-
-    // An image brings it back as a fill layer, deep engraving staying deep.
     update(manager, QStringLiteral("A C"));
-    update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=2", "B:FILL_LOCKED=true",
-                             "B:SWEEP.SWEEP_TYPE=0"}),
-             QString());
-    layerOf(manager, 'B')->WORK_TYPE = WORK_DEEP_ENGRAVE;
-    layerOf(manager, 'B')->SWEEP.SWEEP_TYPE = 4;
-    update(manager, QStringLiteral("A C"));
-    update(manager, QStringLiteral("A C Bi"));
-    QCOMPARE(unmet(manager, {"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"}),
-             QString());
     QCOMPARE(manager.RememberedLayers().size(), size_t(1));
-}
-
-void tst_CLayerMgrIns::pendingColourUsedOnce()
-{
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    QSet<quint32> off{colorOf(QLatin1Char('B')), colorOf(QLatin1Char('C'))};
-    manager.SetNonOutputColors(&off);
-    update(manager, QStringLiteral("A B"));
-    layerOf(manager, 'B')->OUTPUT = true;
-    update(manager, QStringLiteral("A"));
-    update(manager, QStringLiteral("A B C"));
-    QCOMPARE(unmet(manager, {"B:OUTPUT=true", "C:OUTPUT=false"}), QString());
-
-    // A new set replaces the old one.
-    off = {colorOf(QLatin1Char('D'))};
-    manager.SetNonOutputColors(&off);
-    off = {colorOf(QLatin1Char('E'))};
-    manager.SetNonOutputColors(&off);
-    update(manager, QStringLiteral("A B C D E"));
-    QCOMPARE(unmet(manager, {"D:OUTPUT=true", "E:OUTPUT=false"}), QString());
+    QCOMPARE(manager.RememberedLayers()[0]->CUT.CUT_SPEED, 42.0);
 }
 
 void tst_CLayerMgrIns::duplicateColourAfterLoading()
@@ -397,7 +379,8 @@ void tst_CLayerMgrIns::regroup_data()
     // LASER1_TYPE and LASER2_TYPE as two digits; flags F fiber first, C laser
     // check; '^' marks a reference layer given by name. Modes 0 to 3 are
     // handed to Regroup; 4 switches the laser check off and on again, 5
-    // switches it on while it is on.
+    // switches it on while it is on, 6 turns fiber first over. A drawing after
+    // '|' is handed to UpdateLayers first.
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("flags");
     QTest::addColumn<int>("mode");
@@ -431,6 +414,10 @@ void tst_CLayerMgrIns::regroup_data()
     QTest::newRow("check on: processing order") << "00" << "FC" << 4 << "A0 B1 C2 D0 E3 F1" << "B F C E A D";
     QTest::newRow("check on: each group apart") << "30" << "FC" << 4 << "A01 B12 C21 D11 E02" << "D C A B E";
     QTest::newRow("check on: mark and unknown") << "00" << "FC" << 4 << "A0 B4 C9 D1" << "B C D A";
+    QTest::newRow("fiber first switched off") << "30" << "F" << 6 << "A02 B01 C02 D01" << "A C B D";
+    QTest::newRow("fiber last switched on") << "30" << "" << 6 << "A02 B01 C02 D01" << "B D A C";
+    // A new layer cuts with LASER1, the fiber source, whose group comes first.
+    QTest::newRow("new layer joins its group") << "30" << "F" << 1 << "A02 C02|A B C" << "B A C";
     QTest::newRow("check already on: nothing") << "00" << "FC" << 5 << "A0 B1 C2" << "A B C";
     // clang-format on
 }
@@ -453,68 +440,24 @@ void tst_CLayerMgrIns::regroup()
     manager.SetLaserCheck(flags.contains(QLatin1Char('C')));
     const qsizetype mark = layers.indexOf(QLatin1Char('^'));
     const quint32 reference = mark < 0 ? 0 : colorOf(layers[mark - 2]);
+    const QString drawing = layers.section(QLatin1Char('|'), 1);
+    layers = layers.section(QLatin1Char('|'), 0, 0);
     addLayers(manager, layers.remove(QLatin1Char('^')));
     const QString added = layers.remove(QRegularExpression(QStringLiteral("\\d")));
     QCOMPARE(::order(manager), added);
+    if (!drawing.isEmpty())
+        ::update(manager, drawing);
 
     if (mode == 4) {
         manager.SetLaserCheck(false);
         QCOMPARE(::order(manager), added);
     }
-    if (mode >= 4)
+    if (mode == 6)
+        manager.SetFiberFirst(!flags.contains(QLatin1Char('F')));
+    else if (mode >= 4)
         manager.SetLaserCheck(true);
     else
         manager.Regroup(mode, reference ? manager.GetLayerByColor(reference) : nullptr);
-    QCOMPARE(::order(manager), order);
-}
-
-void tst_CLayerMgrIns::newLayerJoinsItsLaserGroup()
-{
-    TestEnvironment env;
-    QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"),
-                          "[FACTORY_PARAM_LASER]\nLASER1_TYPE=3\nLASER2_TYPE=0\n"));
-    CLayerMgrIns manager(nullptr);
-    addLayers(manager, QStringLiteral("A02 C02"));
-    // A new layer cuts with LASER1, the fiber source, whose group comes first.
-    QCOMPARE(update(manager, QStringLiteral("A B C")), 1u);
-    QCOMPARE(order(manager), QStringLiteral("B A C"));
-
-    manager.SetLaserCheck(false);
-    manager.SetFiberFirst(true);
-    QCOMPARE(order(manager), QStringLiteral("B A C"));
-    manager.SetFiberFirst(false);
-    QCOMPARE(order(manager), QStringLiteral("A C B"));
-}
-
-void tst_CLayerMgrIns::moveLayer_data()
-{
-    // clang-format off
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
-    QTest::addColumn<bool>("moved");
-    QTest::addColumn<QString>("order");
-
-    QTest::newRow("same place") << 2 << 2 << false << "A B C";
-    QTest::newRow("negative from") << -1 << 0 << false << "A B C";
-    QTest::newRow("negative to") << 0 << -1 << false << "A B C";
-    QTest::newRow("from past the end") << 3 << 0 << false << "A B C";
-    QTest::newRow("to past the end") << 0 << 3 << false << "A B C";
-    QTest::newRow("first to end") << 0 << 2 << true << "B C A";
-    QTest::newRow("last to front") << 2 << 0 << true << "C A B";
-    QTest::newRow("one down") << 1 << 2 << true << "A C B";
-    // clang-format on
-}
-
-void tst_CLayerMgrIns::moveLayer()
-{
-    QFETCH(int, from);
-    QFETCH(int, to);
-    QFETCH(bool, moved);
-    QFETCH(QString, order);
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    addLayers(manager, QStringLiteral("A B C"));
-    QCOMPARE(manager.MoveLayer(from, to), moved);
     QCOMPARE(::order(manager), order);
 }
 

@@ -34,24 +34,18 @@ const QByteArray kSample = "[APP_CFG]\nKEY_RULER_UNIT=3\nNEGATIVE=-7\nTEXT=abc\n
                            "FRACTION=2.5\nEXPONENT=1e3\nEMPTY=\n"
                            "[FACTORY_PARAM_MOTOR]\nMOTOR_SPEED_MAX_1=300\nKEY_RULER_UNIT=9\n";
 
+// Through the path, or through a QSettings the caller holds.
 QString read(const QString &type, const QString &group, const QString &key, const QString &fallback,
-             const QString &path)
+             const QString &path, const QSettings *held = nullptr)
 {
     if (type == QLatin1String("int"))
-        return QString::number(ReadIniInt(group, key, fallback.toInt(), path));
+        return QString::number(held ? ReadIniInt(*held, group, key, fallback.toInt())
+                                    : ReadIniInt(group, key, fallback.toInt(), path));
     if (type == QLatin1String("double"))
-        return QString::number(ReadIniDouble(group, key, fallback.toDouble(), path));
-    return ReadIniString(group, key, fallback, path);
-}
-
-QString read(const QString &type, const QSettings &held, const QString &group, const QString &key,
-             const QString &fallback)
-{
-    if (type == QLatin1String("int"))
-        return QString::number(ReadIniInt(held, group, key, fallback.toInt()));
-    if (type == QLatin1String("double"))
-        return QString::number(ReadIniDouble(held, group, key, fallback.toDouble()));
-    return ReadIniString(held, group, key, fallback);
+        return QString::number(held ? ReadIniDouble(*held, group, key, fallback.toDouble())
+                                    : ReadIniDouble(group, key, fallback.toDouble(), path));
+    return held ? ReadIniString(*held, group, key, fallback)
+                : ReadIniString(group, key, fallback, path);
 }
 
 } // namespace
@@ -108,7 +102,7 @@ void tst_Settings::read()
 
     QCOMPARE(::read(type, group, key, fallback, path), expected);
     const QSettings held(path, QSettings::IniFormat);
-    QCOMPARE(::read(type, held, group, key, fallback), expected);
+    QCOMPARE(::read(type, group, key, fallback, path, &held), expected);
     // A read never creates the file.
     QCOMPARE(QFile::exists(path), withFile);
 }

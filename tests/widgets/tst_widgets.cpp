@@ -89,9 +89,6 @@ void tst_Widgets::messageBox()
     QCOMPARE(int(box.buttons().size()), buttonCount);
     QCOMPARE(box.objectName(), QStringLiteral("CMsgBoxQss"));
     QCOMPARE(box.windowTitle() + QLatin1Char('|') + box.text(), QStringLiteral("Tips|Delete?"));
-    QCOMPARE(box.icon(), QMessageBox::Question);
-    QCOMPARE(box.parentWidget(), &parent);
-    QCOMPARE(box.windowType(), Qt::Dialog);
     QVERIFY(!box.windowFlags().testFlag(Qt::WindowMaximizeButtonHint));
 }
 
@@ -235,7 +232,6 @@ void tst_Widgets::restyleFollowsProperty()
 
     // A style sheet does not look at dynamic properties again by itself.
     SetPropertyAndRestyle(&label, "state", state);
-    QCOMPARE(label.property("state").toString(), state);
     QCOMPARE(label.palette().color(QPalette::WindowText), color);
 
     SetPropertyAndRestyle(nullptr, "state", state);
