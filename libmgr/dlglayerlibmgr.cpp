@@ -33,6 +33,8 @@
 #include <QPainter>
 #include <QSignalBlocker>
 
+#include <algorithm>
+
 namespace {
 
 const QString kGroup = QStringLiteral("DLG_LIB_MGR");
@@ -107,6 +109,91 @@ public:
 private:
     DlgLayerParamPresets *m_presets;
 };
+
+// One spelling for both kinds of set, so that each dialog step is written once.
+template <typename Set> const Set *findSet(const CMaterialLibrary &library, const CLibKey &key);
+template <> const CLibCutSet *findSet(const CMaterialLibrary &library, const CLibKey &key)
+{
+    return library.FindCutSet(key);
+}
+template <> const CLibSweepSet *findSet(const CMaterialLibrary &library, const CLibKey &key)
+{
+    return library.FindSweepSet(key);
+}
+void storeSet(CMaterialLibrary &library, const CLibCutSet &set) { library.SetCutSet(set); }
+void storeSet(CMaterialLibrary &library, const CLibSweepSet &set) { library.SetSweepSet(set); }
+void fillSet(const CLayerParam &layer, CLibCutSet &set) { FillCutSet(layer, set); }
+void fillSet(const CLayerParam &layer, CLibSweepSet &set) { FillSweepSet(layer, set); }
+void applySet(const CLibCutSet &set, CLayerParam &layer) { ApplyCutSet(set, layer); }
+void applySet(const CLibSweepSet &set, CLayerParam &layer) { ApplySweepSet(set, layer); }
+QList<QStringList> setChanges(const CLibCutSet &a, const CLibCutSet &b, bool dual)
+{
+    return CutSetChanges(a, b, dual);
+}
+QList<QStringList> setChanges(const CLibSweepSet &a, const CLibSweepSet &b, bool dual)
+{
+    return SweepSetChanges(a, b, dual);
+}
+
+// What the editor shows for a scheme. A key the user library lacks is filed
+// with the layer's values first, so that saving has a set to compare with.
+template <typename Set>
+Set setToShow(CMaterialLibrary &user, const CMaterialLibrary &recommended,
+              const CLayerParam &layer, const CLibKey &key, int scheme)
+{
+    if (!findSet<Set>(user, key)) {
+        Set set;
+        set.key = key;
+        fillSet(layer, set);
+        storeSet(user, set);
+    }
+    Set shown = *findSet<Set>(user, key);
+    const Set *suggested = findSet<Set>(recommended, key);
+    if (scheme == DlgLayerLibMgr::SchemeSuggested && suggested)
+        shown = *suggested;
+    else if (scheme == DlgLayerLibMgr::SchemeTemporary)
+        fillSet(layer, shown);
+    return shown;
+}
+
+template <typename Set>
+bool layerHoldsSet(const CMaterialLibrary &library, const CLibKey &key, const CLayerParam &layer)
+{
+    const Set *set = findSet<Set>(library, key);
+    if (!set)
+        return false;
+    Set layerSet = *set;
+    fillSet(layer, layerSet);
+    return layerSet == *set;
+}
+
+template <typename Set, typename Editor> void readEditor(const Editor &editor, CLayerParam &layer)
+{
+    Set set;
+    fillSet(layer, set);
+    editor.ReadSet(set);
+    applySet(set, layer);
+}
+
+// Files the editor's values under the key once the user confirms the summary.
+template <typename Set, typename Editor>
+bool saveEditedSet(CMaterialLibrary &library, const CLibKey &key, const Editor &editor,
+                   bool dual, DlgTps &summary)
+{
+    const Set *stored = findSet<Set>(library, key);
+    if (!stored)
+        return false;
+    Set edited = *stored;
+    editor.ReadSet(edited);
+    const QList<QStringList> rows = setChanges(*stored, edited, dual);
+    if (rows.isEmpty())
+        return false;
+    summary.AddRows(rows);
+    if (summary.exec() != QDialog::Accepted)
+        return false;
+    storeSet(library, edited);
+    return true;
+}
 
 } // namespace
 
@@ -503,6 +590,8 @@ void DlgLayerLibMgr::refillThicknesses()
     m_thicknesses = name.isEmpty()
         ? std::vector<double>()
         : userLibrary().Thicknesses(quint32(m_tube), m_power, name);
+    // The file keeps them in key-text order ("10.00" before "3.00").
+    std::sort(m_thicknesses.begin(), m_thicknesses.end());
     QListWidget *list = ui->listWidget_Thickness;
     {
         PresetsQuiet quiet(m_presets);
@@ -671,50 +760,22 @@ void DlgLayerLibMgr::showParameterSet(int craft)
     const quint32 tube = chosenTube();
     const bool firstLaser = !m_dualLaser || m_presets->IsFirstLaserChecked();
     m_loading = true;
-    if (IsCutCraft(quint32(craft))) {
-        CMaterialLibrary &user = userLibrary();
-        if (!user.FindCutSet(key)) {
-            CLibCutSet set;
-            set.key = key;
-            FillCutSet(*m_layer, set);
-            user.SetCutSet(set);
-        }
-        CLibCutSet shown = *user.FindCutSet(key);
-        const CLibCutSet *suggested = recommendedLibrary().FindCutSet(key);
-        if (scheme == SchemeSuggested && suggested)
-            shown = *suggested;
-        else if (scheme == SchemeTemporary)
-            FillCutSet(*m_layer, shown);
-        m_cutEditor->SetTubeType(int(tube));
-        m_cutEditor->SetDualLaser(m_dualLaser);
-        m_cutEditor->SetFirstLaser(firstLaser);
-        m_cutEditor->LoadSet(shown);
-        m_sweepEditor->hide();
-        ui->widget_hint->hide();
-        m_cutEditor->show();
+    const bool cut = IsCutCraft(quint32(craft));
+    CLayerParamEditor *shown = cut ? static_cast<CLayerParamEditor *>(m_cutEditor) : m_sweepEditor;
+    shown->SetTubeType(int(tube));
+    shown->SetDualLaser(m_dualLaser);
+    shown->SetFirstLaser(firstLaser);
+    if (cut) {
+        m_cutEditor->LoadSet(
+            setToShow<CLibCutSet>(userLibrary(), recommendedLibrary(), *m_layer, key, scheme));
     } else {
-        CMaterialLibrary &user = userLibrary();
-        if (!user.FindSweepSet(key)) {
-            CLibSweepSet set;
-            set.key = key;
-            FillSweepSet(*m_layer, set);
-            user.SetSweepSet(set);
-        }
-        CLibSweepSet shown = *user.FindSweepSet(key);
-        const CLibSweepSet *suggested = recommendedLibrary().FindSweepSet(key);
-        if (scheme == SchemeSuggested && suggested)
-            shown = *suggested;
-        else if (scheme == SchemeTemporary)
-            FillSweepSet(*m_layer, shown);
-        m_sweepEditor->SetTubeType(int(tube));
-        m_sweepEditor->SetDualLaser(m_dualLaser);
-        m_sweepEditor->SetFirstLaser(firstLaser);
         m_sweepEditor->SetDeepMode(craft == LIB_CRAFT_DEEP);
-        m_sweepEditor->LoadSet(shown);
-        m_cutEditor->hide();
-        ui->widget_hint->hide();
-        m_sweepEditor->show();
+        m_sweepEditor->LoadSet(
+            setToShow<CLibSweepSet>(userLibrary(), recommendedLibrary(), *m_layer, key, scheme));
     }
+    (cut ? static_cast<CLayerParamEditor *>(m_sweepEditor) : m_cutEditor)->hide();
+    ui->widget_hint->hide();
+    shown->show();
     m_presets->ShowLaserChoice(m_dualLaser, !firstLaser);
     m_loading = false;
 }
@@ -749,23 +810,10 @@ int DlgLayerLibMgr::IsRecommendedParameter()
         return SchemeTemporary;
     const CLibKey key{quint32(m_tube), m_power, option->MaterialName(), option->thickness,
                       quint32(m_layer->WORK_TYPE)};
-    if (IsCutCraft(key.craft)) {
-        const CLibCutSet *set = recommendedLibrary().FindCutSet(key);
-        if (!set)
-            return SchemeTemporary;
-        CLibCutSet layerSet = *set;
-        FillCutSet(*m_layer, layerSet);
-        return layerSet == *set ? SchemeSuggested : SchemeTemporary;
-    }
-    if (IsSweepCraft(key.craft)) {
-        const CLibSweepSet *set = recommendedLibrary().FindSweepSet(key);
-        if (!set)
-            return SchemeTemporary;
-        CLibSweepSet layerSet = *set;
-        FillSweepSet(*m_layer, layerSet);
-        return layerSet == *set ? SchemeSuggested : SchemeTemporary;
-    }
-    return SchemeTemporary;
+    const bool holds = IsCutCraft(key.craft)
+        ? layerHoldsSet<CLibCutSet>(recommendedLibrary(), key, *m_layer)
+        : IsSweepCraft(key.craft) && layerHoldsSet<CLibSweepSet>(recommendedLibrary(), key, *m_layer);
+    return holds ? SchemeSuggested : SchemeTemporary;
 }
 
 void DlgLayerLibMgr::onEditorDataChange()
@@ -775,17 +823,10 @@ void DlgLayerLibMgr::onEditorDataChange()
     if (!keyValid())
         return;
     const int chosen = craft();
-    if (IsCutCraft(quint32(chosen))) {
-        CLibCutSet set;
-        FillCutSet(*m_layer, set);
-        m_cutEditor->ReadSet(set);
-        ApplyCutSet(set, *m_layer);
-    } else if (IsSweepCraft(quint32(chosen))) {
-        CLibSweepSet set;
-        FillSweepSet(*m_layer, set);
-        m_sweepEditor->ReadSet(set);
-        ApplySweepSet(set, *m_layer);
-    }
+    if (IsCutCraft(quint32(chosen)))
+        readEditor<CLibCutSet>(*m_cutEditor, *m_layer);
+    else if (IsSweepCraft(quint32(chosen)))
+        readEditor<CLibSweepSet>(*m_sweepEditor, *m_layer);
     m_cutEditor->SetEditable(true);
     m_sweepEditor->SetEditable(true);
     m_presets->SetCurrentScheme(SchemeTemporary);
@@ -799,37 +840,12 @@ void DlgLayerLibMgr::onSaveUserParameters()
         return;
     const CLibKey key = currentKey();
     DlgTps summary(this, false);
-    if (IsCutCraft(key.craft)) {
-        const CLibCutSet *stored = userLibrary().FindCutSet(key);
-        if (!stored)
-            return;
-        CLibCutSet edited = *stored;
-        m_cutEditor->ReadSet(edited);
-        const QList<QStringList> rows = CutSetChanges(*stored, edited, m_dualLaser);
-        if (rows.isEmpty())
-            return;
-        for (const QStringList &row : rows)
-            summary.AddRow(row);
-        if (summary.exec() != QDialog::Accepted)
-            return;
-        userLibrary().SetCutSet(edited);
-    } else if (IsSweepCraft(key.craft)) {
-        const CLibSweepSet *stored = userLibrary().FindSweepSet(key);
-        if (!stored)
-            return;
-        CLibSweepSet edited = *stored;
-        m_sweepEditor->ReadSet(edited);
-        const QList<QStringList> rows = SweepSetChanges(*stored, edited, m_dualLaser);
-        if (rows.isEmpty())
-            return;
-        for (const QStringList &row : rows)
-            summary.AddRow(row);
-        if (summary.exec() != QDialog::Accepted)
-            return;
-        userLibrary().SetSweepSet(edited);
-    } else {
+    const bool saved = IsCutCraft(key.craft)
+        ? saveEditedSet<CLibCutSet>(userLibrary(), key, *m_cutEditor, m_dualLaser, summary)
+        : IsSweepCraft(key.craft)
+            && saveEditedSet<CLibSweepSet>(userLibrary(), key, *m_sweepEditor, m_dualLaser, summary);
+    if (!saved)
         return;
-    }
     saveLibrary();
 }
 
