@@ -1,6 +1,8 @@
 #include "layertable/dlglayermgr.h"
 #include "libmgr/cmateriallistwidget.h"
 #include "libmgr/dlglasertube.h"
+#include "libmgr/dlglayeraddmaterials.h"
+#include "libmgr/dlglayeraddthickness.h"
 #include "libmgr/dlglayerlibmgr.h"
 #include "libmgr/dlglayerparamcut.h"
 #include "libmgr/dlglayerparampresets.h"
@@ -16,7 +18,9 @@
 #include "idevicesinfo.h"
 #include "ilayerhost.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
@@ -448,6 +452,100 @@ private slots:
         QCOMPARE(f.presets()->CurrentMaterial(), current);
         QCOMPARE(f.child<QListWidget>("listWidget_Material")->currentItem()->text(), left[current]);
         QCOMPARE(f.child<QComboBox>("comboBox_Material")->count(), 3);
+    }
+
+    // Each edit goes through its dialog, lands in lm.json and shows in the lists.
+    void editLibrary_data()
+    {
+        QTest::addColumn<QString>("edit");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("thickness");
+        QTest::addColumn<QStringList>("materials");
+        QTest::addColumn<QStringList>("thicknesses");
+        const QStringList plywood{"3.0mm", "5.0mm", "Custom Thickness"};
+        QTest::newRow("add material") << "addMaterial" << "Cork" << "4"
+                                      << QStringList{"Plywood", "Acrylic", "MDF", "Cork"}
+                                      << QStringList{"4.0mm", "Custom Thickness"};
+        QTest::newRow("add to an existing name, replace confirmed")
+            << "addMaterial" << "Plywood" << "4" << kMaterials
+            << QStringList{"3.0mm", "4.0mm", "5.0mm", "Custom Thickness"};
+        QTest::newRow("rename") << "rename" << "Birch" << ""
+                                << QStringList{"Birch", "Acrylic", "MDF"} << plywood;
+        QTest::newRow("rename to a taken name, replace refused")
+            << "rename" << "MDF" << "" << kMaterials << plywood;
+        QTest::newRow("add thickness, listed in order")
+            << "addThickness" << "" << "10" << kMaterials
+            << QStringList{"3.0mm", "5.0mm", "10.0mm", "Custom Thickness"};
+        QTest::newRow("delete thickness") << "deleteThickness" << "" << "" << kMaterials
+                                          << QStringList{"5.0mm", "Custom Thickness"};
+    }
+    void editLibrary()
+    {
+        QFETCH(QString, edit);
+        QFETCH(QString, name);
+        QFETCH(QString, thickness);
+        QFETCH(QStringList, materials);
+        QFETCH(QStringList, thicknesses);
+        Fixture f;
+        f.open();
+        // A taken name asks first; renaming onto one is refused, adding to one goes on.
+        const bool taken = kMaterials.contains(name);
+        auto fill = [=](QDialog *dialog) {
+            if (auto *line = dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_name")))
+                line->setText(name);
+            if (!thickness.isEmpty()) {
+                dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_Thickness"))->setText(thickness);
+                auto *cut = dialog->findChild<QCheckBox *>(QStringLiteral("checkBox_cut"));
+                if (!cut->isChecked())
+                    cut->click();
+            }
+            if (taken)
+                answerBox(edit == "rename" ? QMessageBox::Cancel : QMessageBox::Ok);
+            for (auto *button : dialog->findChildren<QPushButton *>()) {
+                if (button->objectName().compare("pushButton_ok", Qt::CaseInsensitive) == 0)
+                    button->click();
+            }
+        };
+        if (edit == "addMaterial") {
+            whenModal<DlgLayerAddMaterials>(fill);
+            auto *combo = f.child<QComboBox>("comboBox_Material");
+            combo->setCurrentIndex(combo->count() - 1);
+        } else if (edit == "rename") {
+            whenModal<DlgLayerAddMaterials>(fill);
+            f.presets()->findChild<QAction *>(QStringLiteral("action_Rename"))->trigger();
+        } else if (edit == "addThickness") {
+            whenModal<DlgLayerAddThickness>(fill);
+            auto *combo = f.child<QComboBox>("comboBox_Thickness");
+            combo->setCurrentIndex(combo->count() - 1);
+        } else {
+            f.child<QAction>("action_deleteThickness")->trigger();
+        }
+        QTRY_COMPARE(f.child<QComboBox>("comboBox_Material")->count(), materials.size() + 1);
+        CMaterialLibrary saved;
+        QVERIFY(ReadMaterialLibraryFile(CLibraryStore::UserLibraryPath(), saved).ok());
+        QCOMPARE(saved.MaterialNames(0, 80), materials);
+        QStringList shown;
+        auto *list = f.child<QListWidget>("listWidget_Thickness");
+        for (int row = 0; row < list->count(); ++row)
+            shown << list->item(row)->text();
+        QCOMPARE(shown, thicknesses);
+        const double chosen = thickness.isEmpty() ? 3.0 : thickness.toDouble();
+        if (edit.startsWith("add"))
+            QVERIFY(saved.FindCutSet({0, 80, name.isEmpty() ? "Plywood" : name, chosen, 0}));
+    }
+
+    void exportLibrary()
+    {
+        Fixture f;
+        f.store().Save();
+        f.open();
+        const QString path = f.env.root() + QStringLiteral("/export.json");
+        whenModal<QFileDialog>([path](QFileDialog *dialog) {
+            dialog->selectFile(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        f.click("pushButton_Export");
+        QCOMPARE(f.env.readFile(path), f.env.readFile(QStringLiteral("lm.json")));
     }
 
     void moveMaterial_data()
