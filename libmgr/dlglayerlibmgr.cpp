@@ -135,18 +135,24 @@ QList<QStringList> setChanges(const CLibSweepSet &a, const CLibSweepSet &b, bool
     return SweepSetChanges(a, b, dual);
 }
 
+// A set filed under the key with the layer's values (defaults without a layer).
+template <typename Set> Set layerSet(const CLayerParam *layer, const CLibKey &key)
+{
+    Set set;
+    if (layer)
+        fillSet(*layer, set);
+    set.key = key;
+    return set;
+}
+
 // What the editor shows for a scheme. A key the user library lacks is filed
 // with the layer's values first, so that saving has a set to compare with.
 template <typename Set>
 Set setToShow(CMaterialLibrary &user, const CMaterialLibrary &recommended,
               const CLayerParam &layer, const CLibKey &key, int scheme)
 {
-    if (!findSet<Set>(user, key)) {
-        Set set;
-        set.key = key;
-        fillSet(layer, set);
-        storeSet(user, set);
-    }
+    if (!findSet<Set>(user, key))
+        storeSet(user, layerSet<Set>(&layer, key));
     Set shown = *findSet<Set>(user, key);
     const Set *suggested = findSet<Set>(recommended, key);
     if (scheme == DlgLayerLibMgr::SchemeSuggested && suggested)
@@ -1141,23 +1147,12 @@ void DlgLayerLibMgr::addSetsFor(const CLibKey &key, const bool crafts[kLibCraftC
         CLibKey setKey = key;
         setKey.craft = craft;
         // New sets start from the layer being edited.
-        if (IsCutCraft(craft)) {
-            CLibCutSet set;
-            if (m_layer)
-                FillCutSet(*m_layer, set);
-            set.key = setKey;
-            library.SetCutSet(set);
-        } else if (IsSweepCraft(craft)) {
-            CLibSweepSet set;
-            if (m_layer)
-                FillSweepSet(*m_layer, set);
-            set.key = setKey;
-            library.SetSweepSet(set);
-        } else {
-            CLibMarkSet set;
-            set.key = setKey;
-            library.SetMarkSet(set);
-        }
+        if (IsCutCraft(craft))
+            storeSet(library, layerSet<CLibCutSet>(m_layer, setKey));
+        else if (IsSweepCraft(craft))
+            storeSet(library, layerSet<CLibSweepSet>(m_layer, setKey));
+        else
+            library.SetMarkSet(CLibMarkSet{setKey, {}});
     }
 }
 
