@@ -25,21 +25,6 @@ using namespace largelib;
 
 constexpr int kLayers = 256;
 
-std::unique_ptr<CLayerMgrIns> managerWith(int count)
-{
-    auto manager = std::make_unique<CLayerMgrIns>(nullptr);
-    for (int i = 0; i < count; ++i) {
-        const quint32 color = i < int(kStandardLayerCount)
-            ? StandardLayerColor(quint32(i) + 1, false)
-            : 0x300000u + quint32(i) * 7u;
-        auto *layer = new CLayerParam(color);
-        layer->WORK_TYPE = i % 4;
-        layer->CUT.CUT_SPEED = 10.0 + i % 90;
-        manager->AddLayer(layer);
-    }
-    return manager;
-}
-
 QStringList labels(int count)
 {
     QStringList texts;
@@ -60,7 +45,7 @@ std::unique_ptr<DlgLayerLibMgr> openDialog(CLayerMgrIns &manager)
 
 void open(benchmark::State &state)
 {
-    auto manager = managerWith(kLayers);
+    auto manager = BenchLayers(kLayers);
     for (auto _ : state) {
         auto dialog = openDialog(*manager);
         state.PauseTiming();
@@ -116,7 +101,7 @@ enum EStep { StepLayer, StepMaterial, StepThickness, StepCraft, StepScheme };
 
 void step(benchmark::State &state)
 {
-    auto manager = managerWith(kLayers);
+    auto manager = BenchLayers(kLayers);
     auto dialog = openDialog(*manager);
     auto *layers = child<QListWidget>(dialog.get(), "listWidget_Layer");
     auto *material = child<QComboBox>(dialog.get(), "comboBox_Material");

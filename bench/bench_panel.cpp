@@ -19,23 +19,6 @@ namespace {
 
 constexpr int kColumns = 7;
 
-std::unique_ptr<CLayerMgrIns> managerWith(int count)
-{
-    auto manager = std::make_unique<CLayerMgrIns>(nullptr);
-    for (int i = 0; i < count; ++i) {
-        const quint32 color = i < int(kStandardLayerCount)
-            ? StandardLayerColor(quint32(i) + 1, false)
-            : 0x300000u + quint32(i) * 7u;
-        auto *layer = new CLayerParam(color);
-        layer->WORK_TYPE = i % 5;
-        layer->CUT.CUT_SPEED = 10.0 + i % 90;
-        layer->SWEEP.SWEEP_SPEED = 100.0 + i % 400;
-        layer->CUT.LASER1.POWER_MAX = 5.5 + i % 50;
-        manager->AddLayer(layer);
-    }
-    return manager;
-}
-
 std::unique_ptr<DlgLayerMgr> shownPanel()
 {
     auto panel = std::make_unique<DlgLayerMgr>();
@@ -66,7 +49,7 @@ std::vector<QString> rowTexts(int count)
 void syncRefill(benchmark::State &state)
 {
     const int count = int(state.range(0));
-    auto manager = managerWith(count);
+    auto manager = BenchLayers(count);
     auto panel = shownPanel();
     panel->SyncLayers(manager.get(), false);
     bool odd = false;
@@ -85,7 +68,7 @@ void syncRefill(benchmark::State &state)
 
 void syncForced(benchmark::State &state)
 {
-    auto manager = managerWith(int(state.range(0)));
+    auto manager = BenchLayers(int(state.range(0)));
     auto panel = shownPanel();
     panel->SyncLayers(manager.get(), false);
     for (auto _ : state)
@@ -118,7 +101,7 @@ void refillFloor(benchmark::State &state)
 
 void syncFromEmpty(benchmark::State &state)
 {
-    auto manager = managerWith(int(state.range(0)));
+    auto manager = BenchLayers(int(state.range(0)));
     for (auto _ : state) {
         state.PauseTiming();
         auto panel = shownPanel();
@@ -162,7 +145,7 @@ void fromEmptyFloor(benchmark::State &state)
 
 void refreshSpeeds(benchmark::State &state)
 {
-    auto manager = managerWith(int(state.range(0)));
+    auto manager = BenchLayers(int(state.range(0)));
     auto panel = shownPanel();
     panel->SyncLayers(manager.get(), false);
     g_pLayerPanel = panel.get();

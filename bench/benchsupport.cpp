@@ -1,6 +1,8 @@
 #include "benchsupport.h"
 
 #include "library/cmateriallibrary.h"
+#include "module/clayermgrins.h"
+#include "module/layercolors.h"
 #include "support/directories.h"
 
 #include <QCoreApplication>
@@ -11,6 +13,23 @@
 #include <map>
 #include <string>
 #include <vector>
+
+std::unique_ptr<CLayerMgrIns> BenchLayers(int count)
+{
+    auto manager = std::make_unique<CLayerMgrIns>(nullptr);
+    for (int i = 0; i < count; ++i) {
+        const quint32 color = i < int(kStandardLayerCount)
+            ? StandardLayerColor(quint32(i) + 1, false)
+            : 0x300000u + quint32(i) * 7u;
+        auto *layer = new CLayerParam(color);
+        layer->WORK_TYPE = i % 5;
+        layer->CUT.CUT_SPEED = 10.0 + i % 90;
+        layer->SWEEP.SWEEP_SPEED = 100.0 + i % 400;
+        layer->CUT.LASER1.POWER_MAX = 5.5 + i % 50;
+        manager->AddLayer(layer);
+    }
+    return manager;
+}
 
 BenchEnvironment::BenchEnvironment()
 {

@@ -6,6 +6,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
+
+class CLayerMgrIns;
 class CMaterialLibrary;
 
 // Points the user data directory into a temporary folder for the run.
@@ -24,6 +27,10 @@ private:
 // through SetTarget.
 int RunBenchmarksWithFloors(int argc, char **argv);
 void SetTarget(const std::string &name, double maxRatio);
+
+// A drawing of `count` colours, the standard ones first, with work types,
+// speeds and powers that vary from row to row.
+std::unique_ptr<CLayerMgrIns> BenchLayers(int count);
 
 // The generated large library that the library benchmarks share:
 // 6 tube/power pairs x 60 materials x 8 thicknesses x 4 crafts, 11,520 sets.
