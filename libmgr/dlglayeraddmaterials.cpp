@@ -36,7 +36,7 @@ void showTipBelow(QWidget *field, const QString &text)
 } // namespace
 
 DlgLayerAddMaterials::DlgLayerAddMaterials(bool thicknessEditable, int tubeType, QWidget *parent)
-    : BaseDialog(parent)
+    : CCraftChoiceDialog(parent)
     , ui(std::make_unique<Ui::DlgLayerAddMaterials>())
     , m_tubeType(tubeType)
     , m_iconPath(AppResourceDir() + QStringLiteral("/Res/Icon/Plywood.jpg"))
@@ -54,9 +54,8 @@ DlgLayerAddMaterials::DlgLayerAddMaterials(bool thicknessEditable, int tubeType,
     ui->lineEdit_Thickness->setEnabled(thicknessEditable);
     if (tubeType == LASER_TUBE_SEMICONDUCTOR) {
         // A diode source has a single fill process, which the deep craft stands for.
-        ui->checkBox_swpShallow->setChecked(false);
+        SetSwpShallow(false);
         ui->checkBox_swpShallow->hide();
-        m_swpShallow = false;
         // Close the gap the hidden box leaves: Fill takes its place, Mark
         // moves up beside it.
         QGridLayout *grid = ui->gridLayout_crafts;
@@ -90,7 +89,7 @@ void DlgLayerAddMaterials::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         retranslate();
-    BaseDialog::changeEvent(event);
+    CCraftChoiceDialog::changeEvent(event);
 }
 
 void DlgLayerAddMaterials::SetThickness(double thickness)
@@ -151,36 +150,6 @@ void DlgLayerAddMaterials::on_lineEdit_Thickness_textChanged(const QString &text
     ILog_WriteLogF(0, "lineEdit_Thickness was changed.");
     const double value = text.toDouble();
     m_thickness = std::isfinite(value) ? value : 0.0;
-}
-
-void DlgLayerAddMaterials::on_checkBox_cut_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_cut was clicked.");
-    m_cut = checked;
-}
-
-void DlgLayerAddMaterials::on_checkBox_trc_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_trc was clicked.");
-    m_trc = checked;
-}
-
-void DlgLayerAddMaterials::on_checkBox_swpShallow_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_swpShallow was clicked.");
-    m_swpShallow = checked;
-}
-
-void DlgLayerAddMaterials::on_checkBox_swpDeep_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_swpDeep was clicked.");
-    m_swpDeep = checked;
-}
-
-void DlgLayerAddMaterials::on_checkBox_vision_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_Vision was clicked.");
-    m_vision = checked;
 }
 
 void DlgLayerAddMaterials::on_pushButton_icon_clicked()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/basedialog.h"
+#include "ccraftchoicedialog.h"
 
 #include <memory>
 
@@ -11,7 +11,7 @@ class Validator;
 
 // Gathers a new material (or the edits of one): name, first thickness,
 // picture and the crafts it offers. The caller writes the library.
-class DlgLayerAddMaterials : public BaseDialog
+class DlgLayerAddMaterials : public CCraftChoiceDialog
 {
     Q_OBJECT
 
@@ -25,11 +25,6 @@ public:
     // directory); shown when it loads, kept as given either way.
     void SetIconPath(const QString &path);
 
-    bool IsCut() const { return m_cut; }
-    bool IsTrc() const { return m_trc; }
-    bool IsSwpDeep() const { return m_swpDeep; }
-    bool IsSwpShallow() const { return m_swpShallow; }
-    bool IsVision() const { return m_vision; }
     double GetThickness() const { return m_thickness; }
     QString GetName() const { return m_name; }
     QString GetIconPath() const { return m_iconPath; }
@@ -45,11 +40,6 @@ protected:
 private slots:
     void on_lineEdit_name_textChanged(const QString &text);
     void on_lineEdit_Thickness_textChanged(const QString &text);
-    void on_checkBox_cut_clicked(bool checked);
-    void on_checkBox_trc_clicked(bool checked);
-    void on_checkBox_swpShallow_clicked(bool checked);
-    void on_checkBox_swpDeep_clicked(bool checked);
-    void on_checkBox_vision_clicked(bool checked);
     void on_pushButton_icon_clicked();
     void on_pushButton_ok_clicked();
 
@@ -61,11 +51,6 @@ private:
     std::unique_ptr<Validator> m_nameValidator;
     std::unique_ptr<Validator> m_thicknessValidator;
     int m_tubeType = 0;
-    bool m_cut = true;
-    bool m_trc = true;
-    bool m_swpDeep = true;
-    bool m_swpShallow = true;
-    bool m_vision = true;
     double m_thickness = 3.0;
     QString m_name;
     QString m_iconPath;

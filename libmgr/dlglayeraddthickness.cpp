@@ -27,7 +27,7 @@ bool inchMode()
 } // namespace
 
 DlgLayerAddThickness::DlgLayerAddThickness(QWidget *parent)
-    : BaseDialog(parent)
+    : CCraftChoiceDialog(parent)
     , ui(std::make_unique<Ui::DlgLayerAddThickness>())
 {
     ui->setupUi(this);
@@ -62,37 +62,7 @@ void DlgLayerAddThickness::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::LanguageChange)
         retranslate();
-    BaseDialog::changeEvent(event);
-}
-
-void DlgLayerAddThickness::SetCut(bool on)
-{
-    m_cut = on;
-    ui->checkBox_cut->setChecked(on);
-}
-
-void DlgLayerAddThickness::SetTrc(bool on)
-{
-    m_trc = on;
-    ui->checkBox_trc->setChecked(on);
-}
-
-void DlgLayerAddThickness::SetSwpDeep(bool on)
-{
-    m_swpDeep = on;
-    ui->checkBox_swpDeep->setChecked(on);
-}
-
-void DlgLayerAddThickness::SetVision(bool on)
-{
-    m_vision = on;
-    ui->checkBox_vision->setChecked(on);
-}
-
-void DlgLayerAddThickness::SetSwpShallow(bool on)
-{
-    m_swpShallow = on;
-    ui->checkBox_swpShallow->setChecked(on);
+    CCraftChoiceDialog::changeEvent(event);
 }
 
 void DlgLayerAddThickness::SetThickness(double mm)
@@ -102,36 +72,6 @@ void DlgLayerAddThickness::SetThickness(double mm)
     // Showing must not store the rounded text back over the exact value.
     const QSignalBlocker blocker(ui->lineEdit_Thickness);
     ui->lineEdit_Thickness->setText(QString::number(shown, 'g', 6));
-}
-
-void DlgLayerAddThickness::on_checkBox_cut_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_cut was clicked.");
-    m_cut = checked;
-}
-
-void DlgLayerAddThickness::on_checkBox_trc_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_trc was clicked.");
-    m_trc = checked;
-}
-
-void DlgLayerAddThickness::on_checkBox_swpDeep_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_swpDeep was clicked.");
-    m_swpDeep = checked;
-}
-
-void DlgLayerAddThickness::on_checkBox_swpShallow_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_swpShallow was clicked.");
-    m_swpShallow = checked;
-}
-
-void DlgLayerAddThickness::on_checkBox_vision_clicked(bool checked)
-{
-    ILog_WriteLogF(0, "checkBox_Vision was clicked.");
-    m_vision = checked;
 }
 
 void DlgLayerAddThickness::on_lineEdit_Thickness_textChanged(const QString &text)

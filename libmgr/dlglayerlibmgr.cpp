@@ -1138,7 +1138,7 @@ bool DlgLayerLibMgr::checkMaterialName(const QString &name) const
     return true;
 }
 
-void DlgLayerLibMgr::addSetsFor(const CLibKey &key, const bool crafts[kLibCraftCount])
+void DlgLayerLibMgr::addSetsFor(const CLibKey &key, const CCraftChoiceDialog::Crafts &crafts)
 {
     CMaterialLibrary &library = userLibrary();
     for (quint32 craft = 0; craft < kLibCraftCount; ++craft) {
@@ -1176,9 +1176,7 @@ void DlgLayerLibMgr::addMaterial()
     // A confirmed name that exists gets the new thickness and sets.
     if (!library.AddMaterial(material))
         library.AddThickness(material.tube, material.power, name, value);
-    const bool crafts[kLibCraftCount] = {dialog.IsCut(), dialog.IsTrc(), dialog.IsSwpShallow(),
-                                         dialog.IsSwpDeep(), dialog.IsVision()};
-    addSetsFor(CLibKey{material.tube, m_power, name, value, 0}, crafts);
+    addSetsFor(CLibKey{material.tube, m_power, name, value, 0}, dialog.GetCrafts());
     saveLibrary();
     refillMaterials(name);
     scheduleRefresh();
@@ -1231,9 +1229,7 @@ void DlgLayerLibMgr::addThickness()
     if (value <= 0.0)
         return;
     userLibrary().AddThickness(quint32(m_tube), m_power, name, value);
-    const bool crafts[kLibCraftCount] = {dialog.IsCut(), dialog.IsTrc(), dialog.IsSwpShallow(),
-                                         dialog.IsSwpDeep(), dialog.IsVision()};
-    addSetsFor(CLibKey{quint32(m_tube), m_power, name, value, 0}, crafts);
+    addSetsFor(CLibKey{quint32(m_tube), m_power, name, value, 0}, dialog.GetCrafts());
     saveLibrary();
     refillThicknesses();
     for (size_t i = 0; i < m_thicknesses.size(); ++i) {

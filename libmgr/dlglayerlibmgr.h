@@ -3,6 +3,7 @@
 #include "library/crunningoptions.h"
 #include "library/libraryrecords.h"
 #include "module/clayerparam.h"
+#include "ccraftchoicedialog.h"
 #include "support/basedialog.h"
 
 #include <QList>
@@ -110,7 +111,7 @@ private:
     bool checkMaterialName(const QString &name) const;
     void addMaterial();
     void addThickness();
-    void addSetsFor(const CLibKey &key, const bool crafts[kLibCraftCount]);
+    void addSetsFor(const CLibKey &key, const CCraftChoiceDialog::Crafts &crafts);
     void showListMenu(const QPoint &pos, bool material);
 
     CLayerParam *layerOfRow(int row) const;
