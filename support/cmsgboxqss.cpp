@@ -3,6 +3,7 @@
 #include "ctranslator.h"
 
 #include <QAbstractButton>
+#include <QEvent>
 
 namespace {
 
@@ -29,13 +30,24 @@ CMsgBoxQss::CMsgBoxQss(QMessageBox::Icon icon, const QString &title, const QStri
     : QMessageBox(icon, title, text, buttons, parent, Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint)
 {
     setObjectName(QStringLiteral("CMsgBoxQss"));
+    translateButtons();
+}
+
+void CMsgBoxQss::translateButtons()
+{
     const CTranslator *translator = CTranslator::GetInstance();
     for (const ButtonName &entry : kButtonNames) {
-        if (!buttons.testFlag(entry.button))
-            continue;
         if (QAbstractButton *b = button(entry.button)) {
             b->setText(translator->GetWording(QString::fromLatin1(entry.text)));
             b->setObjectName(QString::fromLatin1(entry.objectName));
         }
     }
+}
+
+bool CMsgBoxQss::event(QEvent *event)
+{
+    const bool handled = QMessageBox::event(event);
+    if (event->type() == QEvent::LanguageChange)
+        translateButtons();
+    return handled;
 }

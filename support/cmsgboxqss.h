@@ -11,4 +11,12 @@ class CMsgBoxQss : public QMessageBox
 public:
     CMsgBoxQss(QMessageBox::Icon icon, const QString &title, const QString &text,
                QMessageBox::StandardButtons buttons, QWidget *parent = nullptr);
+
+protected:
+    // The button box puts Qt's own texts back on a language change, after
+    // this box has seen the event: the wordings go on once it has.
+    bool event(QEvent *event) override;
+
+private:
+    void translateButtons();
 };
