@@ -431,60 +431,50 @@ private slots:
         QCOMPARE(f.child<QListWidget>("listWidget_Material")->count(), yes ? 4 : 3);
     }
 
-    void deleteMaterial_data()
-    {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<int>("current");
-        QTest::newRow("first: the next moves up") << 0 << 0;
-        QTest::newRow("last real: the new last") << 2 << 1;
-    }
-    void deleteMaterial()
-    {
-        QFETCH(int, row);
-        QFETCH(int, current);
-        Fixture f;
-        f.open();
-        f.child<QComboBox>("comboBox_Material")->setCurrentIndex(row);
-        f.child<QAction>("action_deleteMaterial")->trigger();
-        QStringList left = kMaterials;
-        left.removeAt(row);
-        QCOMPARE(f.user().MaterialNames(0, 80), left);
-        QCOMPARE(f.presets()->CurrentMaterial(), current);
-        QCOMPARE(f.child<QListWidget>("listWidget_Material")->currentItem()->text(), left[current]);
-        QCOMPARE(f.child<QComboBox>("comboBox_Material")->count(), 3);
-    }
-
-    // Each edit goes through its dialog, lands in lm.json and shows in the lists.
+    // Each edit lands in lm.json and shows in the lists; `value` is a
+    // thickness typed, or the row a material is dragged to.
     void editLibrary_data()
     {
         QTest::addColumn<QString>("edit");
         QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("thickness");
+        QTest::addColumn<QString>("value");
         QTest::addColumn<QStringList>("materials");
+        QTest::addColumn<QString>("current");
         QTest::addColumn<QStringList>("thicknesses");
-        const QStringList plywood{"3.0mm", "5.0mm", "Custom Thickness"};
+        const QStringList both{"3.0mm", "5.0mm", "Custom Thickness"};
         QTest::newRow("add material") << "addMaterial" << "Cork" << "4"
-                                      << QStringList{"Plywood", "Acrylic", "MDF", "Cork"}
+                                      << QStringList{"Plywood", "Acrylic", "MDF", "Cork"} << "Cork"
                                       << QStringList{"4.0mm", "Custom Thickness"};
         QTest::newRow("add to an existing name, replace confirmed")
-            << "addMaterial" << "Plywood" << "4" << kMaterials
+            << "addMaterial" << "Plywood" << "4" << kMaterials << "Plywood"
             << QStringList{"3.0mm", "4.0mm", "5.0mm", "Custom Thickness"};
         QTest::newRow("rename") << "rename" << "Birch" << ""
-                                << QStringList{"Birch", "Acrylic", "MDF"} << plywood;
+                                << QStringList{"Birch", "Acrylic", "MDF"} << "Birch" << both;
         QTest::newRow("rename to a taken name, replace refused")
-            << "rename" << "MDF" << "" << kMaterials << plywood;
+            << "rename" << "MDF" << "" << kMaterials << "Plywood" << both;
         QTest::newRow("add thickness, listed in order")
-            << "addThickness" << "" << "10" << kMaterials
+            << "addThickness" << "" << "10" << kMaterials << "Plywood"
             << QStringList{"3.0mm", "5.0mm", "10.0mm", "Custom Thickness"};
         QTest::newRow("delete thickness") << "deleteThickness" << "" << "" << kMaterials
-                                          << QStringList{"5.0mm", "Custom Thickness"};
+                                          << "Plywood" << QStringList{"5.0mm", "Custom Thickness"};
+        QTest::newRow("delete the first material: the next moves up")
+            << "deleteMaterial" << "Plywood" << "" << QStringList{"Acrylic", "MDF"} << "Acrylic"
+            << both;
+        QTest::newRow("delete the last real material: the new last")
+            << "deleteMaterial" << "MDF" << "" << QStringList{"Plywood", "Acrylic"} << "Acrylic"
+            << both;
+        QTest::newRow("drag down") << "move" << "Plywood" << "2"
+                                   << QStringList{"Acrylic", "MDF", "Plywood"} << "Plywood" << both;
+        QTest::newRow("drag up") << "move" << "MDF" << "0"
+                                 << QStringList{"MDF", "Plywood", "Acrylic"} << "Plywood" << both;
     }
     void editLibrary()
     {
         QFETCH(QString, edit);
         QFETCH(QString, name);
-        QFETCH(QString, thickness);
+        QFETCH(QString, value);
         QFETCH(QStringList, materials);
+        QFETCH(QString, current);
         QFETCH(QStringList, thicknesses);
         Fixture f;
         f.open();
@@ -493,8 +483,8 @@ private slots:
         auto fill = [=](QDialog *dialog) {
             if (auto *line = dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_name")))
                 line->setText(name);
-            if (!thickness.isEmpty()) {
-                dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_Thickness"))->setText(thickness);
+            if (!value.isEmpty()) {
+                dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_Thickness"))->setText(value);
                 auto *cut = dialog->findChild<QCheckBox *>(QStringLiteral("checkBox_cut"));
                 if (!cut->isChecked())
                     cut->click();
@@ -506,32 +496,44 @@ private slots:
                     button->click();
             }
         };
+        auto *materialCombo = f.child<QComboBox>("comboBox_Material");
+        auto *thicknessCombo = f.child<QComboBox>("comboBox_Thickness");
         if (edit == "addMaterial") {
             whenModal<DlgLayerAddMaterials>(fill);
-            auto *combo = f.child<QComboBox>("comboBox_Material");
-            combo->setCurrentIndex(combo->count() - 1);
+            materialCombo->setCurrentIndex(materialCombo->count() - 1);
         } else if (edit == "rename") {
             whenModal<DlgLayerAddMaterials>(fill);
             f.presets()->findChild<QAction *>(QStringLiteral("action_Rename"))->trigger();
         } else if (edit == "addThickness") {
             whenModal<DlgLayerAddThickness>(fill);
-            auto *combo = f.child<QComboBox>("comboBox_Thickness");
-            combo->setCurrentIndex(combo->count() - 1);
-        } else {
+            thicknessCombo->setCurrentIndex(thicknessCombo->count() - 1);
+        } else if (edit == "deleteThickness") {
             f.child<QAction>("action_deleteThickness")->trigger();
+        } else if (edit == "deleteMaterial") {
+            materialCombo->setCurrentIndex(kMaterials.indexOf(name));
+            f.child<QAction>("action_deleteMaterial")->trigger();
+        } else {
+            emit f.child<CMaterialListWidget>("listWidget_Material")
+                ->SortMaterialsRequested(kMaterials.indexOf(name), value.toInt());
         }
-        QTRY_COMPARE(f.child<QComboBox>("comboBox_Material")->count(), materials.size() + 1);
+        auto texts = [&f](const char *name) {
+            QStringList shown;
+            auto *list = f.child<QListWidget>(name);
+            for (int row = 0; row < list->count(); ++row)
+                shown << list->item(row)->text();
+            return shown;
+        };
+        QTRY_COMPARE(texts("listWidget_Material").mid(0, materials.size()), materials);
+        QCOMPARE(materialCombo->itemText(materials.size() - 1), materials.last());
+        QCOMPARE(f.child<QListWidget>("listWidget_Material")->currentItem()->text(), current);
+        QCOMPARE(texts("listWidget_Thickness"), thicknesses);
         CMaterialLibrary saved;
         QVERIFY(ReadMaterialLibraryFile(CLibraryStore::UserLibraryPath(), saved).ok());
         QCOMPARE(saved.MaterialNames(0, 80), materials);
-        QStringList shown;
-        auto *list = f.child<QListWidget>("listWidget_Thickness");
-        for (int row = 0; row < list->count(); ++row)
-            shown << list->item(row)->text();
-        QCOMPARE(shown, thicknesses);
-        const double chosen = thickness.isEmpty() ? 3.0 : thickness.toDouble();
+        // Other tube/power pairs keep their materials and order.
+        QCOMPARE(saved.MaterialNames(0, 100), QStringList{"Felt"});
         if (edit.startsWith("add"))
-            QVERIFY(saved.FindCutSet({0, 80, name.isEmpty() ? "Plywood" : name, chosen, 0}));
+            QVERIFY(saved.FindCutSet({0, 80, name.isEmpty() ? "Plywood" : name, value.toDouble(), 0}));
     }
 
     void exportLibrary()
@@ -546,27 +548,6 @@ private slots:
         });
         f.click("pushButton_Export");
         QCOMPARE(f.env.readFile(path), f.env.readFile(QStringLiteral("lm.json")));
-    }
-
-    void moveMaterial_data()
-    {
-        QTest::addColumn<int>("from");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<QStringList>("order");
-        QTest::newRow("down") << 0 << 2 << QStringList{"Acrylic", "MDF", "Plywood"};
-        QTest::newRow("up") << 2 << 0 << QStringList{"MDF", "Plywood", "Acrylic"};
-    }
-    void moveMaterial()
-    {
-        QFETCH(int, from);
-        QFETCH(int, to);
-        QFETCH(QStringList, order);
-        Fixture f;
-        f.open();
-        emit f.child<CMaterialListWidget>("listWidget_Material")->SortMaterialsRequested(from, to);
-        QCOMPARE(f.user().MaterialNames(0, 80), order);
-        QCOMPARE(f.user().MaterialNames(0, 100), QStringList{"Felt"});
-        QTRY_COMPARE(f.child<QComboBox>("comboBox_Material")->itemText(2), order[2]);
     }
 };
 
