@@ -87,16 +87,4 @@ inline QStringList describe(const CLayerParam &l)
     return out;
 }
 
-// The entries of `expected` ("FIELD=value") that `layer` does not have.
-inline QStringList missingFields(const CLayerParam &layer, const QStringList &expected)
-{
-    const QStringList actual = describe(layer);
-    QStringList missing;
-    for (const QString &entry : expected) {
-        if (!actual.contains(entry))
-            missing << entry;
-    }
-    return missing;
-}
-
 } // namespace layertest

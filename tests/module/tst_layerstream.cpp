@@ -15,46 +15,36 @@ namespace {
 // Little-endian bytes, built value by value. A value that ends past the
 // budget is still written but not copied into its target: that is what a
 // reader of the stream cut at the budget can know.
-class LeWriter
+struct LeWriter
 {
-public:
-    explicit LeWriter(qsizetype budget)
-        : m_budget(budget)
-    {}
+    QByteArray bytes;
+    qsizetype budget = std::numeric_limits<qsizetype>::max();
 
-    template <typename T> LeWriter &i32(T value, T *into = nullptr)
+    template <typename T> LeWriter &put(int size, T value, T *into = nullptr)
     {
-        return put(quint32(value), 4, into, value);
-    }
-    LeWriter &flag(bool value, bool *into = nullptr) { return put(value ? 1 : 0, 4, into, value); }
-    LeWriter &byte(bool value, bool *into = nullptr) { return put(value ? 1 : 0, 1, into, value); }
-    LeWriter &f64(double value, double *into = nullptr)
-    {
-        quint64 bits;
-        std::memcpy(&bits, &value, sizeof bits);
-        return put(bits, 8, into, value);
-    }
-    LeWriter &raw(const char *hex)
-    {
-        m_bytes += QByteArray::fromHex(hex);
-        return *this;
-    }
-    // Whether everything so far lies within the budget.
-    bool fits() const { return m_bytes.size() <= m_budget; }
-    const QByteArray &bytes() const { return m_bytes; }
-
-private:
-    template <typename T> LeWriter &put(quint64 bits, int size, T *into, T value)
-    {
+        quint64 bits = 0;
+        if constexpr (std::is_floating_point_v<T>)
+            std::memcpy(&bits, &value, sizeof value);
+        else
+            bits = quint64(value);
         for (int b = 0; b < size; ++b)
-            m_bytes.append(char((bits >> (8 * b)) & 0xFF));
+            bytes.append(char((bits >> (8 * b)) & 0xFF));
         if (into && fits())
             *into = value;
         return *this;
     }
-
-    QByteArray m_bytes;
-    qsizetype m_budget;
+    LeWriter &i32(qint32 v, qint32 *into = nullptr) { return put(4, v, into); }
+    LeWriter &u32(quint32 v, quint32 *into = nullptr) { return put(4, v, into); }
+    LeWriter &flag(bool v, bool *into = nullptr) { return put(4, v, into); }
+    LeWriter &byte(bool v, bool *into = nullptr) { return put(1, v, into); }
+    LeWriter &f64(double v, double *into = nullptr) { return put(8, v, into); }
+    LeWriter &raw(const char *hex)
+    {
+        bytes += QByteArray::fromHex(hex);
+        return *this;
+    }
+    // Whether everything so far lies within the budget.
+    bool fits() const { return bytes.size() <= budget; }
 };
 
 void putLaser(LeWriter &w, const LaserParam &s, LaserParam &e, int v)
@@ -76,7 +66,7 @@ void putPen(LeWriter &w, const PenParam &s, PenParam &e)
 // reader gets back from those bytes. Dropped values are junk on purpose.
 void putLayer(LeWriter &w, const CLayerParam &s, int v, CLayerParam &e)
 {
-    w.i32(s.COLOR, &e.COLOR).i32(s.WORK_TYPE, &e.WORK_TYPE);
+    w.u32(s.COLOR, &e.COLOR).i32(s.WORK_TYPE, &e.WORK_TYPE);
     w.flag(s.OUTPUT, &e.OUTPUT).flag(s.BLOW, &e.BLOW);
     if (v >= 5) {
         w.flag(s.FILL_LOCKED, &e.FILL_LOCKED);
@@ -133,7 +123,8 @@ QByteArray layerStream(int v, const QList<CLayerParam> &layers,
                        QList<CLayerParam> *expected = nullptr,
                        qsizetype budget = std::numeric_limits<qsizetype>::max())
 {
-    LeWriter w(budget);
+    LeWriter w;
+    w.budget = budget;
     w.i32(v);
     if (v >= 4)
         w.i32(qint32(layers.size()));
@@ -143,7 +134,7 @@ QByteArray layerStream(int v, const QList<CLayerParam> &layers,
         if (expected)
             expected->append(e);
     }
-    return w.bytes();
+    return w.bytes;
 }
 
 QList<CLayerParam> samples(int count)
@@ -191,7 +182,6 @@ private slots:
     void savedBytes();
     void hostileInput_data();
     void hostileInput();
-    void nullDevice();
 };
 
 void tst_LayerStream::readOldVersions_data()
@@ -227,6 +217,9 @@ void tst_LayerStream::savedBytes()
     buffer.open(QIODevice::WriteOnly);
     QCOMPARE(manager.SaveLayers(&buffer), 0u);
     QCOMPARE(buffer.data().toHex(' '), layerStream(14, layers).toHex(' '));
+    QCOMPARE(manager.LoadLayers(nullptr), 1u);
+    QCOMPARE(manager.SaveLayers(nullptr), 1u);
+    QCOMPARE(manager.GetLayerCount(), 6u);
 }
 
 void tst_LayerStream::hostileInput_data()
@@ -271,16 +264,6 @@ void tst_LayerStream::hostileInput()
     // Past the end of the data every layer keeps its defaults.
     if (layers > 1)
         QCOMPARE(describe(loaded.last()), describe(CLayerParam()));
-}
-
-void tst_LayerStream::nullDevice()
-{
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    manager.AddLayer(new CLayerParam(0x0000FF));
-    QCOMPARE(manager.LoadLayers(nullptr), 1u);
-    QCOMPARE(manager.SaveLayers(nullptr), 1u);
-    QCOMPARE(manager.GetLayerCount(), 1u);
 }
 
 QTEST_GUILESS_MAIN(tst_LayerStream)

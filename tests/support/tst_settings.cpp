@@ -19,13 +19,11 @@ private slots:
     void read();
     void write_data();
     void write();
-    void writeKeepsOtherKeys();
     void batch();
     void everyReadOpensAfresh();
     void userDataDir_data();
     void userDataDir();
-    void userDataDirCreatedWhenMissing();
-    void resourceDir();
+    void directories();
 };
 
 namespace {
@@ -34,18 +32,14 @@ const QByteArray kSample = "[APP_CFG]\nKEY_RULER_UNIT=3\nNEGATIVE=-7\nTEXT=abc\n
                            "FRACTION=2.5\nEXPONENT=1e3\nEMPTY=\n"
                            "[FACTORY_PARAM_MOTOR]\nMOTOR_SPEED_MAX_1=300\nKEY_RULER_UNIT=9\n";
 
-// Through the path, or through a QSettings the caller holds.
 QString read(const QString &type, const QString &group, const QString &key, const QString &fallback,
-             const QString &path, const QSettings *held = nullptr)
+             const QString &path)
 {
     if (type == QLatin1String("int"))
-        return QString::number(held ? ReadIniInt(*held, group, key, fallback.toInt())
-                                    : ReadIniInt(group, key, fallback.toInt(), path));
+        return QString::number(ReadIniInt(group, key, fallback.toInt(), path));
     if (type == QLatin1String("double"))
-        return QString::number(held ? ReadIniDouble(*held, group, key, fallback.toDouble())
-                                    : ReadIniDouble(group, key, fallback.toDouble(), path));
-    return held ? ReadIniString(*held, group, key, fallback)
-                : ReadIniString(group, key, fallback, path);
+        return QString::number(ReadIniDouble(group, key, fallback.toDouble(), path));
+    return ReadIniString(group, key, fallback, path);
 }
 
 } // namespace
@@ -64,26 +58,16 @@ void tst_Settings::read_data()
     QTest::newRow("int: same key, other group") << true << "int" << "FACTORY_PARAM_MOTOR" << "KEY_RULER_UNIT" << "1" << "9";
     QTest::newRow("int: negative") << true << "int" << "APP_CFG" << "NEGATIVE" << "1" << "-7";
     QTest::newRow("int: missing key gives default") << true << "int" << "APP_CFG" << "NOPE" << "42" << "42";
-    QTest::newRow("int: missing group gives default") << true << "int" << "NOPE" << "KEY_RULER_UNIT" << "42" << "42";
     QTest::newRow("int: missing file gives default") << false << "int" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "1";
     QTest::newRow("int: group is case sensitive") << true << "int" << "app_cfg" << "KEY_RULER_UNIT" << "5" << "5";
     QTest::newRow("int: garbage text") << true << "int" << "APP_CFG" << "TEXT" << "42" << "0";
-    QTest::newRow("int: garbage digits then text") << true << "int" << "APP_CFG" << "MIXED" << "42" << "0";
-    QTest::newRow("int: garbage fraction") << true << "int" << "APP_CFG" << "FRACTION" << "42" << "0";
     QTest::newRow("int: garbage empty value") << true << "int" << "APP_CFG" << "EMPTY" << "42" << "0";
-    QTest::newRow("double: integer text") << true << "double" << "APP_CFG" << "KEY_RULER_UNIT" << "1" << "3";
     QTest::newRow("double: fraction") << true << "double" << "APP_CFG" << "FRACTION" << "1" << "2.5";
-    QTest::newRow("double: exponent") << true << "double" << "APP_CFG" << "EXPONENT" << "1" << "1000";
-    QTest::newRow("double: missing key gives default") << true << "double" << "APP_CFG" << "NOPE" << "1000" << "1000";
     QTest::newRow("double: missing file gives default") << false << "double" << "APP_CFG" << "FRACTION" << "0.25" << "0.25";
     QTest::newRow("double: garbage text") << true << "double" << "APP_CFG" << "TEXT" << "7.5" << "0";
-    QTest::newRow("double: garbage digits then text") << true << "double" << "APP_CFG" << "MIXED" << "7.5" << "0";
-    QTest::newRow("double: garbage empty value") << true << "double" << "APP_CFG" << "EMPTY" << "7.5" << "0";
     QTest::newRow("text") << true << "string" << "APP_CFG" << "TEXT" << "x" << "abc";
-    QTest::newRow("text: number as text") << true << "string" << "APP_CFG" << "NEGATIVE" << "x" << "-7";
     QTest::newRow("text: empty value is not missing") << true << "string" << "APP_CFG" << "EMPTY" << "x" << "";
     QTest::newRow("text: missing key gives default") << true << "string" << "APP_CFG" << "NOPE" << "fallback" << "fallback";
-    QTest::newRow("text: missing file gives default") << false << "string" << "APP_CFG" << "TEXT" << "fallback" << "fallback";
     // clang-format on
 }
 
@@ -101,8 +85,6 @@ void tst_Settings::read()
         env.writeFile(path, kSample);
 
     QCOMPARE(::read(type, group, key, fallback, path), expected);
-    const QSettings held(path, QSettings::IniFormat);
-    QCOMPARE(::read(type, group, key, fallback, path, &held), expected);
     // A read never creates the file.
     QCOMPARE(QFile::exists(path), withFile);
 }
@@ -115,17 +97,13 @@ void tst_Settings::write_data()
     QTest::addColumn<QByteArray>("line"); // empty: whatever QSettings makes of it
 
     QTest::newRow("int") << "int" << "5" << QByteArray("VALUE=5\n");
-    QTest::newRow("negative int") << "int" << "-12" << QByteArray("VALUE=-12\n");
     QTest::newRow("double") << "double" << "0.1" << QByteArray("VALUE=0.1\n");
     QTest::newRow("whole double") << "double" << "200" << QByteArray("VALUE=200\n");
     QTest::newRow("text") << "string" << "Acrylic" << QByteArray("VALUE=Acrylic\n");
     QTest::newRow("comma") << "string" << "a,b" << QByteArray();
-    QTest::newRow("equals and semicolon") << "string" << "k=v;x" << QByteArray();
-    QTest::newRow("leading and trailing blanks") << "string" << "  padded  " << QByteArray();
     QTest::newRow("non-ASCII") << "string" << QStringLiteral("木材 é") << QByteArray();
     QTest::newRow("section lookalike") << "string" << "[APP_CFG]" << QByteArray();
     QTest::newRow("line break") << "string" << "one\ntwo" << QByteArray();
-    QTest::newRow("empty") << "string" << "" << QByteArray();
     // clang-format on
 }
 
@@ -135,44 +113,29 @@ void tst_Settings::write()
     QFETCH(QString, value);
     QFETCH(QByteArray, line);
     TestEnvironment env;
-    const QString path = env.dataFile(QStringLiteral("UserParam.ini"));
+    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
+    env.writeFile(path, kSample);
     const QString group = QStringLiteral("BLOCK");
     const QString key = QStringLiteral("VALUE");
 
+    WriteIniInt(group, key, 99, path);
     if (type == QLatin1String("int"))
         WriteIniInt(group, key, value.toInt(), path);
     else if (type == QLatin1String("double"))
         WriteIniDouble(group, key, value.toDouble(), path);
     else
         WriteIniString(group, key, value, path);
-    // Written at once, no batch involved.
-    if (!line.isEmpty())
-        QCOMPARE(env.readFile(path), QByteArray("[BLOCK]\n") + line);
+    // Written at once, no batch involved, beside what the file held.
+    const QByteArray bytes = env.readFile(path);
+    QVERIFY2(bytes.contains(QByteArray("[BLOCK]\n").append(line)), bytes.constData());
+    QCOMPARE(::read(QStringLiteral("int"), QStringLiteral("FACTORY_PARAM_MOTOR"),
+                    QStringLiteral("MOTOR_SPEED_MAX_1"), QString(), path),
+             QStringLiteral("300"));
 
     // Whatever the text holds, it reads back and does not swallow the next key.
     WriteIniInt(group, QStringLiteral("AFTER"), 17, path);
     QCOMPARE(::read(type, group, key, QStringLiteral("x"), path), value);
     QCOMPARE(ReadIniInt(group, QStringLiteral("AFTER"), 0, path), 17);
-}
-
-void tst_Settings::writeKeepsOtherKeys()
-{
-    TestEnvironment env;
-    const QString path = env.dataFile(QStringLiteral("cfg.ini"));
-    env.writeFile(path, kSample);
-
-    WriteIniInt(QStringLiteral("APP_CFG"), QStringLiteral("KEY_RULER_UNIT"), 0, path);
-    WriteIniDouble(QStringLiteral("NEW_GROUP"), QStringLiteral("LASER_THICKNESS"), 2.5, path);
-
-    QCOMPARE(ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"), QStringLiteral("MOTOR_SPEED_MAX_1"),
-                        0, path),
-             300);
-    QCOMPARE(ReadIniString(QStringLiteral("APP_CFG"), QStringLiteral("TEXT"), QString(), path),
-             QStringLiteral("abc"));
-    const QByteArray bytes = env.readFile(path);
-    QVERIFY2(bytes.contains("[NEW_GROUP]\nLASER_THICKNESS=2.5\n"), bytes.constData());
-    QVERIFY2(bytes.contains("[APP_CFG]\nEMPTY=\nEXPONENT=1e3\nFRACTION=2.5\nKEY_RULER_UNIT=0\n"),
-             bytes.constData());
 }
 
 void tst_Settings::batch()
@@ -229,19 +192,12 @@ void tst_Settings::everyReadOpensAfresh()
     const QString group = QStringLiteral("APP_CFG");
     const QString key = QStringLiteral("KEY_RULER_UNIT");
     QCOMPARE(ReadIniInt(group, key, 1, path), 3);
-
-    {
-        // Another writer in the process, as a dialog would be.
-        QSettings other(path, QSettings::IniFormat);
-        other.setValue(QStringLiteral("APP_CFG/KEY_RULER_UNIT"), 2);
-        other.sync();
-        QCOMPARE(ReadIniInt(group, key, 1, path), 2);
-    }
-
+    // Another writer in the process, as a dialog would be.
+    QSettings(path, QSettings::IniFormat).setValue(QStringLiteral("APP_CFG/KEY_RULER_UNIT"), 2);
+    QCOMPARE(ReadIniInt(group, key, 1, path), 2);
     // Another program rewrites the file (different size, so the change shows
-    // whatever the time stamp resolution).
+    // whatever the time stamp resolution), then removes it.
     QVERIFY(env.writeFile(path, "[APP_CFG]\nKEY_RULER_UNIT=0\nOTHER=12345\n"));
-    QCOMPARE(ReadIniInt(group, key, 1, path), 0);
     QCOMPARE(ReadIniInt(group, QStringLiteral("NEGATIVE"), 99, path), 99);
     QVERIFY(QFile::remove(path));
     QCOMPARE(ReadIniInt(group, key, 1, path), 1);
@@ -256,7 +212,6 @@ void tst_Settings::userDataDir_data()
 
     QTest::newRow("Quorvantix") << "Quorvantix" << "" << "Quorvantix";
     QTest::newRow("no theme") << "" << "" << "Tessavolia";
-    QTest::newRow("Tessavolia") << "Tessavolia" << "" << "Tessavolia";
     QTest::newRow("other") << "Dark" << "" << "Tessavolia";
     QTest::newRow("case differs") << "quorvantix" << "" << "Tessavolia";
     QTest::newRow("trailing blank") << "Quorvantix " << "" << "Tessavolia";
@@ -287,7 +242,7 @@ void tst_Settings::userDataDir()
     QCOMPARE(cfg, expected + QStringLiteral("/Data/cfg.ini"));
 }
 
-void tst_Settings::userDataDirCreatedWhenMissing()
+void tst_Settings::directories()
 {
     TestEnvironment env;
     const QString data = env.dataDir() + QStringLiteral("/Data/");
@@ -307,17 +262,10 @@ void tst_Settings::userDataDirCreatedWhenMissing()
     QVERIFY(env.writeFile(expected + QStringLiteral("/Data/cfg.ini"), "[APP_CFG]\n"));
     QCOMPARE(UserDataDir(), expected);
     QCOMPARE(env.readFile(expected + QStringLiteral("/Data/cfg.ini")), QByteArray("[APP_CFG]\n"));
-}
 
-void tst_Settings::resourceDir()
-{
-    TestEnvironment env;
+    // Tests run from <build>/tests, so the default resource folder is
+    // <build>/Resources, the same folder the plug-in in <build>/bin sees.
     QCOMPARE(AppResourceDir(), env.resourceDir());
-    SetAppResourceDir(QStringLiteral("/opt/elsewhere/Resources"));
-    QCOMPARE(AppResourceDir(), QStringLiteral("/opt/elsewhere/Resources"));
-
-    // Tests run from <build>/tests, so the default is <build>/Resources, the
-    // same folder the plug-in in <build>/bin sees.
     SetAppResourceDir(QString());
     QCOMPARE(AppResourceDir(), QDir::cleanPath(QStringLiteral(LAYERMGR_BUILD_BIN "/../Resources")));
 }
