@@ -3,6 +3,8 @@
 #include "support/cmsgboxqss.h"
 #include "testenvironment.h"
 
+#include "ctranslator.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <QTest>
@@ -15,21 +17,46 @@ class tst_DeleteQuestion : public QObject
 private slots:
     void answer_data()
     {
-        QTest::addColumn<QString>("action");
+        QTest::addColumn<int>("answer"); // a button, Qt::Key_Escape, 0: closed, -1: nobody to ask
+        QTest::addColumn<QByteArray>("languageFile");
+        QTest::addColumn<QByteArray>("wordings");
+        QTest::addColumn<QString>("asked"); // title|question
         QTest::addColumn<bool>("confirmed");
-        QTest::newRow("Yes clicked") << "yes" << true;
-        QTest::newRow("No clicked") << "no" << false;
-        QTest::newRow("Escape counts as No") << "escape" << false;
-        QTest::newRow("closed without an answer") << "done" << true;
+        const int yes = QMessageBox::Yes, no = QMessageBox::No;
+        const QByteArray none;
+        // clang-format off
+        QTest::newRow("Yes clicked") << yes << none << none << "Tips|Confirm deletion?" << true;
+        QTest::newRow("No clicked") << no << none << none << "Tips|Confirm deletion?" << false;
+        QTest::newRow("Escape counts as No") << int(Qt::Key_Escape) << none << none << "Tips|Confirm deletion?" << false;
+        QTest::newRow("closed without an answer") << 0 << none << none << "Tips|Confirm deletion?" << true;
+        QTest::newRow("defaults translated") << no << none << QByteArray("Tips=Hinweis\nConfirm deletion?=Löschen?") << "Hinweis|Löschen?" << false;
+        QTest::newRow("language file") << yes << QByteArray("[CLayerMgrApp]\nDEL_TITLE=提示\nDEL_TIP=确认删除？") << none << "提示|确认删除？" << true;
+        QTest::newRow("language file translated") << yes << QByteArray("[CLayerMgrApp]\nDEL_TITLE=Notice\nDEL_TIP=Delete it?") << QByteArray("Notice=Achtung") << "Achtung|Delete it?" << true;
+        QTest::newRow("other group not read") << yes << QByteArray("[DLG_LIB_MGR]\nDEL_TITLE=Elsewhere") << none << "Tips|Confirm deletion?" << true;
+        // Headless use (tools): nobody to ask, nothing refused.
+        QTest::newRow("no question installed") << -1 << none << none << QString() << true;
+        // clang-format on
     }
 
     // The store asks through a styled box with Yes and No; only No refuses.
     void answer()
     {
-        QFETCH(QString, action);
+        QFETCH(int, answer);
+        QFETCH(QByteArray, languageFile);
+        QFETCH(QByteArray, wordings);
+        QFETCH(QString, asked);
         QFETCH(bool, confirmed);
         TestEnvironment env;
-        InstallDeletionQuestion();
+        if (!languageFile.isEmpty())
+            env.writeFile(env.resourceDir() + QStringLiteral("/Lang/Chs/LayerMgr.ini"), languageFile);
+        CTranslator *translator = CTranslator::GetInstance();
+        if (!wordings.isEmpty()) {
+            env.writeFile(env.root() + QStringLiteral("/words/Lang/De/w.ini"), wordings);
+            translator->SetResourceDir(env.root() + QStringLiteral("/words"));
+            translator->SetLanguage(QStringLiteral("De"));
+        }
+        if (answer >= 0)
+            InstallDeletionQuestion();
         QString seen;
         QTimer poll;
         connect(&poll, &QTimer::timeout, this, [&] {
@@ -42,18 +69,20 @@ private slots:
                 buttons.append(b->objectName());
             buttons.sort();
             seen = box->windowTitle() + '|' + box->text() + '|' + buttons.join(',');
-            if (action == QLatin1String("yes"))
-                box->button(QMessageBox::Yes)->click();
-            else if (action == QLatin1String("no"))
-                box->button(QMessageBox::No)->click();
-            else if (action == QLatin1String("escape"))
+            if (answer == Qt::Key_Escape)
                 QTest::keyClick(box, Qt::Key_Escape);
+            else if (answer)
+                box->button(QMessageBox::StandardButton(answer))->click();
             else
                 box->done(0);
         });
         poll.start(10);
-        QCOMPARE(g_LayerContext.Store().ConfirmDeletion(), confirmed);
-        QCOMPARE(seen, QStringLiteral("Tips|Confirm deletion?|messageBox_noButton,messageBox_yesButton"));
+        const bool result = g_LayerContext.Store().ConfirmDeletion();
+        translator->SetLanguage(QString());
+        translator->SetResourceDir(QString());
+        QCOMPARE(result, confirmed);
+        QCOMPARE(seen, asked.isEmpty() ? asked : asked + "|messageBox_noButton,messageBox_yesButton");
+        QCOMPARE(env.logLines().join('\n').contains(QStringLiteral("nothing to ask")), answer < 0);
     }
 };
 

@@ -118,20 +118,6 @@ private slots:
         QCOMPARE(layer.COLOR, before.COLOR);
         QCOMPARE(layer.LINK.LINK_VALUE, qint64(99));
     }
-
-    // A fresh layer's cut values make a set that gives the same layer back.
-    void freshLayer()
-    {
-        TestEnvironment env;
-        const CLayerParam fresh(1);
-        CLibCutSet cut;
-        FillCutSet(fresh, cut);
-        CLayerParam again(1);
-        again.CUT.CUT_SPEED = 500;
-        again.BLOW = false;
-        ApplyCutSet(cut, again);
-        QCOMPARE(again, fresh);
-    }
 };
 
 QTEST_GUILESS_MAIN(tst_LayerLibrarySets)

@@ -6,32 +6,11 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QJsonArray>
 #include <QTest>
 
-#include <functional>
 #include <limits>
 
 namespace {
-
-// A document with one craft block under "M", 3 mm, RFBurning at power 60.
-QByteArray documentText(const QString &craft, const QByteArray &block)
-{
-    return R"({"Type": {"RFBurning": [{"Power": 60, "Material": {"M": {"Thickness": {"3.00": {")"
-        + craft.toUtf8() + "\": " + block + "}}}}}]}}";
-}
-
-QByteArray materialsText(const QByteArray &materials)
-{
-    return R"({"Type": {"RFBurning": [{"Power": 60, "Material": )" + materials + "}]}}";
-}
-
-// The materials object of the first RFBurning power entry as written.
-QJsonObject writtenMaterials(const CMaterialLibrary &library)
-{
-    const QJsonValue type = MaterialLibraryToJson(library).value(QStringLiteral("Type"));
-    return type[QStringLiteral("RFBurning")][qsizetype(0)][QStringLiteral("Material")].toObject();
-}
 
 // A value of the document written back from what was read: a path of keys
 // and array indexes separated by "/". Undefined when it is not written.
@@ -59,21 +38,19 @@ class tst_LibraryDocument : public QObject
     Q_OBJECT
 
 private slots:
-    void written()
-    {
-        TestEnvironment env;
-        QCOMPARE(jsonBytes(sampleLibrary()), dataFile(QStringLiteral("written/sample.json")));
-    }
-
     // What the reader takes back: line speeds with a fraction, sweep modes
     // written as numbers, the keys read for "Cutting" only and mark notes are
-    // lost; missing keys take their defaults. A second round changes nothing.
+    // lost; missing keys take their defaults. Fuzz findings (no expected
+    // file) read or fail cleanly. Each settles by the second round.
     void readBack_data()
     {
         QTest::addColumn<QString>("input");
         QTest::addColumn<QString>("expected");
         QTest::newRow("written library") << "written/sample.json" << "written/sample-read.json";
         QTest::newRow("empty blocks") << "written/empty-blocks.json" << "written/empty-blocks-read.json";
+        const QDir dir(QStringLiteral(LAYERMGR_SOURCE_DIR "/tests/library/data"));
+        for (const QString &file : dir.entryList(QDir::Files, QDir::Name))
+            QTest::newRow(qPrintable(file)) << file << QString();
     }
 
     void readBack()
@@ -81,9 +58,13 @@ private slots:
         QFETCH(QString, input);
         QFETCH(QString, expected);
         TestEnvironment env;
-        const QByteArray once = jsonBytes(readBytes(dataFile(input)));
-        QCOMPARE(once, dataFile(expected));
-        QCOMPARE(jsonBytes(readBytes(once)), once);
+        LibraryReadResult result;
+        const CMaterialLibrary library = readBytes(dataFile(input), &result);
+        QVERIFY(result.ok() || library.IsEmpty());
+        const QByteArray once = jsonBytes(library), twice = jsonBytes(readBytes(once));
+        if (!expected.isEmpty())
+            QCOMPARE(once + twice, dataFile(expected) + once);
+        QCOMPARE(jsonBytes(readBytes(twice)), twice);
     }
 
     void readField_data()
@@ -96,7 +77,8 @@ private slots:
         // A block of one craft under "M", 3 mm, RFBurning at power 60.
         auto row = [](const char *name, const char *craft, const char *block, const char *key,
                       const QJsonValue &expected) {
-            QTest::newRow(name) << documentText(craft, block)
+            const QByteArray prefix = "{\"Type\": {\"RFBurning\": [{\"Power\": 60, \"Material\": {\"M\": {\"Thickness\": {\"3.00\": {\"";
+            QTest::newRow(name) << prefix + craft + "\": " + block + "}}}}}]}}"
                                 << "Type/RFBurning/0/Material/M/Thickness/3.00/" + QString::fromLatin1(craft) + '/' + key
                                 << expected;
         };
@@ -104,75 +86,48 @@ private slots:
             QTest::newRow(name) << QByteArray(document) << QString::fromLatin1(path) << expected;
         };
         const QJsonValue none(QJsonValue::Undefined);
-        const int intMax = std::numeric_limits<qint32>::max();
-        const int intMin = std::numeric_limits<qint32>::min();
 
         row("cut speed with fraction reads 0", C, R"({"Speed": 12.5})", "Speed", 0.0);
-        row("cut speed whole", C, R"({"Speed": 12})", "Speed", 12.0);
-        row("cut speed negative whole", C, R"({"Speed": -3})", "Speed", -3.0);
         row("cut speed beyond int reads 0", C, R"({"Speed": 3e12})", "Speed", 0.0);
         row("seal length with fraction reads 0", T, R"({"Seal length": 0.5})", "Seal length", 0.0);
-        row("seal length whole", C, R"({"Seal length": 2})", "Seal length", 2.0);
         row("sweep speed keeps fraction", S, R"({"Speed": 12.5})", "Speed", 12.5);
         row("mode number reads 0", S, R"({"Mode": 1})", "Mode", 0);
         row("mode one way by name", D, R"({"Mode": "One way laser"})", "Mode", 1);
-        row("mode two way by name", S, R"({"Mode": "Two way laser"})", "Mode", 0);
         row("mode other text", S, R"({"Mode": "one way laser"})", "Mode", 0);
         row("bridges read for cutting", C, R"({"Bridges": true})", "Bridges", true);
         row("bridges ignored for tracing", T, R"({"Bridges": true})", "Bridges", false);
-        row("bridge space ignored for tracing", T, R"({"Bridges Space": 4})", "Bridges Space", 0.0);
-        row("guide use ignored for tracing", T, R"({"Use Guide Line": true})", "Use Guide Line", false);
-        row("guide ignored for tracing", T, R"({"Guide Line": {"Guide In Len": 4.5}})", "Guide Line/Guide In Len", 0.0);
-        row("compensation ignored for tracing", T, R"({"Laser Compensate": {"Compensate Size": 0.4}})",
-            "Laser Compensate/Compensate Size", 0.25);
+        row("compensation ignored for tracing", T, R"({"Laser Compensate": {"Compensate Size": 0.4}})", "Laser Compensate/Compensate Size", 0.25);
         row("compensation outward default", C, R"({"Laser Compensate": {}})", "Laser Compensate/Compensate Outward", true);
         row("frequency truncated", C, R"({"Frequency1": 4000.9})", "Frequency1", 4000);
         row("pulse width toward zero", C, R"({"Pulse Width1": -3.7})", "Pulse Width1", -3);
-        row("huge frequency saturates", C, R"({"Frequency2": 1e300})", "Frequency2", intMax);
-        row("huge pulse width saturates", C, R"({"Pulse Width2": -1e300})", "Pulse Width2", intMin);
-        row("sweep frequency truncated", S, R"({"Frequency1": 20000.99})", "Frequency1", 20000);
-        row("pen key with three blanks", C, R"({"Pen Action": {"PenUp   Height": 7}})", "Pen Action/PenUp   Height", 7.0);
+        row("huge frequency saturates", C, R"({"Frequency2": 1e300})", "Frequency2", std::numeric_limits<qint32>::max());
+        row("pen key with three blanks", D, R"({"Pen Action": {"PenUp   Height": 7}})", "Pen Action/PenUp   Height", 7.0);
         row("pen key with one blank is not it", C, R"({"Pen Action": {"PenUp Height": 7}})", "Pen Action/PenUp   Height", 3.0);
-        row("sweep pen key", D, R"({"Pen Action": {"PenUp   Height": 8}})", "Pen Action/PenUp   Height", 8.0);
         row("key given twice: the last counts", C, R"({"Speed": 1, "Note": "a", "Speed": 2})", "Speed", 2.0);
 
-        row("garbage: speed as text", C, R"({"Speed": "12"})", "Speed", 0.0);
         row("garbage: blowing as number", C, R"({"Blowing": 1})", "Blowing", false);
-        row("garbage: power as text", C, R"({"Power": "50"})", "Power", 0.0);
         row("garbage: frequency as text", C, R"({"Frequency1": "9000"})", "Frequency1", 4000);
         row("garbage: pen as array", C, R"({"Pen Action": [1, 2]})", "Pen Action/PenUp   Height", 3.0);
-        row("garbage: guide line as number", C, R"({"Guide Line": 5})", "Guide Line/Guide In Len", 0.0);
         row("garbage: dpi as fraction", S, R"({"DPI output": 2.5})", "DPI output", 0);
-        row("garbage: note as number", C, R"({"Note": 5})", "Note", QString());
         row("garbage: block as array", C, "[]", "Speed", none);
 
         row("mark: object with empty note", V, R"({"Note": ""})", "Note", QString());
         row("mark: empty object", V, "{}", "Note", none);
         row("mark: null", V, "null", "Note", none);
         row("mark: empty text", V, R"("")", "Note", none);
-        row("mark: text", V, R"("yes")", "Note", QString());
-        row("mark: empty array", V, "[]", "Note", none);
-        row("mark: array", V, "[0]", "Note", QString());
         row("mark: number", V, "0", "Note", QString());
-        row("mark: false", V, "false", "Note", QString());
 
-        doc("version integer", R"({"Version": 3, "Type": {}})", "Version", 3);
         doc("version missing reads 0", R"({"Type": {}})", "Version", 0);
-        doc("version fraction kept", R"({"Version": 2.5, "Type": {}})", "Version", 2.5);
         doc("version text kept", R"({"Version": "2024a", "Type": {}})", "Version", "2024a");
-        doc("version large kept", R"({"Version": 4000000000, "Type": {}})", "Version", 4000000000.0);
-        doc("version object kept", R"({"Version": {"a": [1]}, "Type": {}})", "Version/a/0", 1);
-        const char *tubes[] = {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"};
-        for (const char *tube : tubes) {
+        for (const char *tube : {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"}) {
             QTest::addRow("tube %s", tube) << "{\"Type\": {\"" + QByteArray(tube) + "\": [{\"Power\": 45}]}}"
                                            << QStringLiteral("Type/%1/0/Power").arg(tube) << QJsonValue(45);
         }
         doc("unknown tube reads as Glass", R"({"Type": {"CO2": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
         doc("tube names: case matters", R"({"Type": {"fiber": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
-        doc("tube named empty", R"({"Type": {"": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
         const char *m = R"({"Type": {"Glass": [{"Material": {"M": {"Thickness": {"%1": {"Vision Mark": 1}}}}}]}})";
         const char *key = "Type/Glass/0/Material/M/Thickness/%1/Vision Mark/Note";
-        for (auto [thickness, written] : {std::pair{"3", "3.00"}, {"1.5", "1.50"}, {"0.8", "0.80"}, {"12.3456", "12.35"}, {"10", "10.00"}})
+        for (auto [thickness, written] : {std::pair{"3", "3.00"}, {"0.8", "0.80"}, {"12.3456", "12.35"}})
             QTest::addRow("thickness key %s", thickness) << QString::fromLatin1(m).arg(thickness).toUtf8()
                                                          << QString::fromLatin1(key).arg(written) << QJsonValue(QString());
     }
@@ -190,24 +145,13 @@ private slots:
     {
         QTest::addColumn<QByteArray>("materials");
         QTest::addColumn<QStringList>("order");
-        QTest::newRow("ids reverse the key order") << QByteArray(R"({"A": {"id": 2}, "B": {"id": 1}})")
-                                                   << QStringList{"B", "A"};
-        QTest::newRow("gaps in the ids") << QByteArray(R"({"A": {"id": 30}, "B": {"id": 7}})")
-                                         << QStringList{"B", "A"};
-        QTest::newRow("equal ids keep key order")
-            << QByteArray(R"({"B": {"id": 1}, "A": {"id": 1}, "C": {"id": 0.5}})") << QStringList{"A", "B", "C"};
-        QTest::newRow("materials without id follow")
-            << QByteArray(R"({"A": {}, "B": {"id": 5}, "C": {"id": 2}})") << QStringList{"C", "B", "A"};
+        QTest::newRow("gaps in the ids") << QByteArray(R"({"A": {"id": 30}, "B": {"id": 7}})") << QStringList{"B", "A"};
+        QTest::newRow("equal ids keep key order") << QByteArray(R"({"B": {"id": 1}, "A": {"id": 1}, "C": {"id": 0.5}})") << QStringList{"A", "B", "C"};
         QTest::newRow("garbage ids follow in key order")
-            << QByteArray(R"({"A": {"id": "1"}, "B": {"id": 1.5}, "C": {"id": -1}, "D": {"id": 0},
-                             "E": {"id": 3}, "F": {"id": null}, "G": {"id": 1e20}})")
-            << QStringList{"E", "A", "B", "C", "D", "F", "G"};
-        QTest::newRow("a material that is not an object is skipped")
-            << QByteArray(R"({"A": 5, "B": {"id": 1}, "C": []})") << QStringList{"B"};
-        QTest::newRow("a material given twice: the last counts")
-            << QByteArray(R"({"M": {"id": 1}, "N": {"id": 2}, "M": {"id": 3}})") << QStringList{"N", "M"};
-        QTest::newRow("unicode names") << QByteArray(R"({"椴木": {"id": 2}, "Ölholz": {"id": 1}})")
-                                       << QStringList{QStringLiteral("Ölholz"), QStringLiteral("椴木")};
+            << QByteArray(R"({"A": {"id": "1"}, "B": {"id": 1.5}, "C": {"id": -1}, "D": {}, "E": {"id": 3}, "G": {"id": 1e20}})")
+            << QStringList{"E", "A", "B", "C", "D", "G"};
+        QTest::newRow("a material that is not an object is skipped") << QByteArray(R"({"A": 5, "B": {"id": 1}, "C": []})") << QStringList{"B"};
+        QTest::newRow("a material given twice: the last counts") << QByteArray(R"({"M": {"id": 1}, "N": {"id": 2}, "M": {"id": 3}})") << QStringList{"N", "M"};
     }
 
     // Written back, the ids number the materials in that order from 1.
@@ -216,14 +160,13 @@ private slots:
         QFETCH(QByteArray, materials);
         QFETCH(QStringList, order);
         TestEnvironment env;
-        LibraryReadResult result;
-        const CMaterialLibrary library = readBytes(materialsText(materials), &result);
-        QVERIFY2(result.ok(), qPrintable(result.reason()));
+        const CMaterialLibrary library = readBytes(R"({"Type": {"RFBurning": [{"Power": 60, "Material": )" + materials + "}]}}");
         QCOMPARE(library.MaterialNames(2, 60), order);
-        const QJsonObject written = writtenMaterials(library);
-        for (int i = 0; i < order.size(); ++i)
-            QCOMPARE(written.value(order.at(i))[QStringLiteral("id")].toInt(), i + 1);
-        QCOMPARE(readBytes(jsonBytes(library)).MaterialNames(2, 60), order);
+        const QJsonObject written = writtenValue(jsonBytes(library), "Type/RFBurning/0/Material").toObject();
+        QStringList byId = order;
+        for (const QString &name : order)
+            byId[written.value(name)[QStringLiteral("id")].toInt() - 1] = name;
+        QCOMPARE(byId, order);
     }
 
     void duplicatesAndDefaults()
@@ -231,7 +174,6 @@ private slots:
         TestEnvironment env;
         const CMaterialLibrary defaults = readBytes(
             R"({"Type": {"Fiber": [{}, {"Power": 30, "Custom": true, "Material": {"M": {}}}]}})");
-        QCOMPARE(defaults.Version(), QJsonValue(0));
         QCOMPARE(defaults.Powers(3), (std::vector<CLibPower>{{80, false}, {30, true}}));
         const CLibMaterial *m = defaults.FindMaterial(3, 30, QStringLiteral("M"));
         QVERIFY(m && m->iconPath.isEmpty() && m->iconBase64.isEmpty() && m->thicknesses.empty());
@@ -267,28 +209,22 @@ private slots:
         const int noType = int(ELibraryRead::NoType);
         QTest::newRow("empty") << QByteArray() << notJson << 0;
         QTest::newRow("truncated") << QByteArray(R"({"Type": {"Glass": [{"Power": 8)") << notJson << 0;
-        QTest::newRow("text") << QByteArray("lm.json") << notJson << 0;
         QTest::newRow("trailing garbage") << QByteArray(R"({"Type": {}} x)") << notJson << 0;
         QTest::newRow("array") << QByteArray("[1, 2]") << int(ELibraryRead::NotObject) << 0;
-        QTest::newRow("no Type") << QByteArray(R"({"Version": 1})") << noType << 0;
         QTest::newRow("Type as array") << QByteArray(R"({"Type": [{"Glass": []}]})") << noType << 0;
         QTest::newRow("type lower case") << QByteArray(R"({"type": {}})") << noType << 0;
-        QTest::newRow("deep nesting") << QByteArray(100000, '[') << notJson << 0;
         QTest::newRow("deep nesting in a material")
             << R"({"Type": {"Glass": [{"Material": {"M": )" + QByteArray(5000, '[') + QByteArray(5000, ']') + "}}]}}"
             << notJson << 0;
         QTest::newRow("not UTF-8") << QByteArray("{\"Type\": {\"\xff\xfe\": []}}") << notJson << 0;
-        QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {}}}]}}")
-                                         << ok << 1;
-        QTest::newRow("tube entries of wrong types")
-            << QByteArray(R"({"Type": {"Glass": 5, "Fiber": [1, "x", null, []]}})") << ok << 0;
+        QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {}}}]}}") << ok << 1;
         QTest::newRow("wrong types everywhere")
             << QByteArray(R"({"Version": [], "Type": {"Glass": [{"Power": "80", "Custom": "yes",
                  "Material": {"M": {"id": {}, "IconPath": 5, "IconBase64Data": [],
                  "Thickness": {"3.00": {"Cutting": [], "Tracing": 5, "Shallow Carving": "x",
-                 "Deep Carving": {"Speed": {}, "Mode": 1, "Pen Action": 5}, "Vision Mark": 0}}}}}]}})")
+                 "Deep Carving": {"Speed": {}, "Mode": 1, "Pen Action": 5}, "Vision Mark": 0}}}}}],
+                 "Fiber": [1, "x", null, []], "Semiconductor": 5}})")
             << ok << 1;
-        QTest::newRow("empty material list") << QByteArray(R"({"Type": {"Glass": [{"Power": 80}]}})") << ok << 0;
     }
 
     // Whatever was read writes and reads back the same; a failure leaves nothing.
@@ -303,7 +239,6 @@ private slots:
         QCOMPARE(int(result.status), status);
         QCOMPARE(result.reason().isEmpty(), result.ok());
         QCOMPARE(library.Materials().size(), size_t(materials));
-        QVERIFY(result.ok() || library.IsEmpty());
         QCOMPARE(jsonBytes(readBytes(jsonBytes(library))), jsonBytes(library));
     }
 
@@ -311,20 +246,14 @@ private slots:
     {
         TestEnvironment env;
         QBuffer closed;
-        for (QIODevice *device : {static_cast<QIODevice *>(nullptr), static_cast<QIODevice *>(&closed)}) {
-            CMaterialLibrary library = sampleLibrary();
-            QCOMPARE(int(ReadMaterialLibrary(device, library).status), int(ELibraryRead::CannotOpen));
-            QVERIFY(library.IsEmpty());
-        }
-        QVERIFY(!WriteMaterialLibrary(nullptr, sampleLibrary()));
-        QBuffer readOnly;
-        readOnly.open(QIODevice::ReadOnly);
-        QVERIFY(!WriteMaterialLibrary(&readOnly, sampleLibrary()));
+        CMaterialLibrary read = sampleLibrary();
+        QCOMPARE(int(ReadMaterialLibrary(&closed, read).status), int(ELibraryRead::CannotOpen));
+        QVERIFY(read.IsEmpty());
+        QVERIFY(!WriteMaterialLibrary(&closed, sampleLibrary()));
 
         const QString path = env.dataFile(QStringLiteral("export.json"));
         QVERIFY(WriteMaterialLibraryFile(path, sampleLibrary()));
         QCOMPARE(env.readFile(path), dataFile(QStringLiteral("written/sample.json")));
-        CMaterialLibrary read;
         QVERIFY(ReadMaterialLibraryFile(path, read).ok());
         QCOMPARE(jsonBytes(read), dataFile(QStringLiteral("written/sample-read.json")));
 
@@ -333,10 +262,7 @@ private slots:
         QVERIFY(QDir().mkpath(dir));
         QVERIFY(!WriteMaterialLibraryFile(dir, sampleLibrary()));
         QVERIFY(QFileInfo(dir).isDir());
-        QVERIFY(!WriteMaterialLibraryFile(env.dataFile(QStringLiteral("no/such/dir/x.json")), sampleLibrary()));
         QCOMPARE(ReadMaterialLibraryFile(dir, read).reason(), QStringLiteral("cannot open (is a directory)"));
-        QCOMPARE(int(ReadMaterialLibraryFile(env.dataFile(QStringLiteral("none.json")), read).status),
-                 int(ELibraryRead::CannotOpen));
         QVERIFY(read.IsEmpty());
     }
 
@@ -350,39 +276,15 @@ private slots:
         CMaterialLibrary library = sampleLibrary();
         QElapsedTimer timer;
         timer.start();
-        const LibraryReadResult result = ReadMaterialLibraryFile(path, library);
-        QCOMPARE(int(result.status), int(ELibraryRead::TooLarge));
+        QCOMPARE(int(ReadMaterialLibraryFile(path, library).status), int(ELibraryRead::TooLarge));
         QVERIFY(library.IsEmpty());
         QVERIFY2(timer.elapsed() < 2000, "the file must not be read");
 
         // A picture of 100 MiB, below the limit, reads whole.
         const qsizetype size = 100 * 1024 * 1024;
-        const QByteArray document = "{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {\"IconBase64Data\": \""
-            + QByteArray(size, 'A') + "\"}}}]}}";
-        library = readBytes(document);
+        library = readBytes("{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {\"IconBase64Data\": \""
+                            + QByteArray(size, 'A') + "\"}}}]}}");
         QCOMPARE(library.FindMaterial(0, 80, QStringLiteral("M"))->iconBase64.size(), size);
-    }
-
-    // Fuzz findings: each reads or fails cleanly, and settles on the second round.
-    void regressions_data()
-    {
-        QTest::addColumn<QString>("path");
-        const QDir dir(QStringLiteral(LAYERMGR_SOURCE_DIR "/tests/library/data"));
-        for (const QString &file : dir.entryList(QDir::Files, QDir::Name))
-            QTest::newRow(qPrintable(file)) << dir.filePath(file);
-    }
-
-    void regressions()
-    {
-        QFETCH(QString, path);
-        TestEnvironment env;
-        CMaterialLibrary library;
-        if (!ReadMaterialLibraryFile(path, library).ok()) {
-            QVERIFY(library.IsEmpty());
-            return;
-        }
-        const QByteArray twice = jsonBytes(readBytes(jsonBytes(library)));
-        QCOMPARE(jsonBytes(readBytes(twice)), twice);
     }
 };
 

