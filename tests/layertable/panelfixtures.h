@@ -39,16 +39,4 @@ public:
     LanguageGuard &operator=(const LanguageGuard &) = delete;
 };
 
-// The log lines of one level, without the "level|" prefix.
-inline QStringList linesOfLevel(const QStringList &lines, int level)
-{
-    const QString prefix = QString::number(level) + QLatin1Char('|');
-    QStringList out;
-    for (const QString &line : lines) {
-        if (line.startsWith(prefix))
-            out << line.mid(prefix.size());
-    }
-    return out;
-}
-
 } // namespace paneltest

@@ -2,7 +2,6 @@
 #include "layertable/clayerlineeditwidget.h"
 #include "layertable/clayermodewidget.h"
 #include "layertable/clayernumberwidget.h"
-#include "panelfixtures.h"
 #include "testenvironment.h"
 
 #include <QComboBox>
@@ -15,51 +14,6 @@
 #include <QTableWidget>
 #include <QTest>
 #include <QWheelEvent>
-
-#include <memory>
-
-using namespace paneltest;
-
-namespace {
-
-QStringList itemsOf(const QComboBox *combo)
-{
-    QStringList items;
-    for (int i = 0; i < combo->count(); ++i)
-        items << combo->itemText(i);
-    return items;
-}
-
-// A shown table of 40 rows with a cell widget in row 20 (or the given row).
-struct TableWithCell
-{
-    explicit TableWithCell(QWidget *cell, int row = 20)
-    {
-        table.setRowCount(40);
-        table.setColumnCount(2);
-        table.resize(300, 200);
-        table.setCellWidget(row, 1, cell);
-        table.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&table));
-        table.scrollTo(table.model()->index(row, 1), QAbstractItemView::PositionAtCenter);
-    }
-    QTableWidget table;
-};
-
-QWidget *comboCell(bool air)
-{
-    return air ? static_cast<QWidget *>(new CLayerAir) : new CLayerModeWidget;
-}
-
-void turnWheel(QWidget *target, int delta)
-{
-    const QPointF pos(target->width() / 2.0, target->height() / 2.0);
-    QWheelEvent wheel(pos, target->mapToGlobal(pos), QPoint(), QPoint(0, delta), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(target, &wheel);
-}
-
-} // namespace
 
 class tst_LayerCellWidgets : public QObject
 {
@@ -94,7 +48,6 @@ private slots:
     void numberButton()
     {
         QFETCH(int, number);
-        QFETCH(QString, letter);
         QFETCH(bool, blackInk);
         TestEnvironment env;
         CLayerNumberWidget widget;
@@ -102,107 +55,71 @@ private slots:
         auto *button = widget.findChild<QPushButton *>(QStringLiteral("pushButton_layerColor"));
         auto *label = widget.findChild<QLabel *>(QStringLiteral("label_craftColor"));
         QVERIFY(button && label);
-        QCOMPARE(button->text(), letter);
+        QTEST(button->text(), "letter");
         QCOMPARE(button->styleSheet(), QStringLiteral("QPushButton{background-color:rgb(11,0,255);color:rgb(%1)}")
                                            .arg(blackInk ? "0,0,0" : "255,255,255"));
         QCOMPARE(button->toolTip() + label->text() + label->toolTip(), QStringLiteral("070707"));
     }
 
-    // The lists in both languages; a language change keeps the choice and says nothing.
-    void comboLists_data()
+    // A cell in row 20 of a table scrolled to it, row 0 selected. The wheel scrolls the table and
+    // leaves the value; a press selects the cell's row.
+    void cellInTable_data()
     {
-        QTest::addColumn<int>("kind"); // 0: every mode, 1: fill modes only, 2: air
-        QTest::addColumn<QStringList>("english");
-        QTest::addColumn<QStringList>("chinese");
-        QTest::newRow("every mode") << 0 << QStringList{"Cutting", "Scoring", "Shallow Engrave", "Deep Engrave", "Mark"}
-                                    << QStringList{"切割", "划线", "浅雕", "深雕", "标记"};
-        QTest::newRow("fill modes") << 1 << QStringList{"Shallow Engrave", "Deep Engrave"} << QStringList{"浅雕", "深雕"};
-        QTest::newRow("air") << 2 << QStringList{"High", "Low"} << QStringList{"强", "弱"};
-    }
-
-    void comboLists()
-    {
-        QFETCH(int, kind);
-        QFETCH(QStringList, english);
-        QFETCH(QStringList, chinese);
-        TestEnvironment env;
-        std::unique_ptr<QWidget> cell(comboCell(kind == 2));
-        if (kind == 1)
-            static_cast<CLayerModeWidget *>(cell.get())->BuildList(true);
-        auto *combo = cell->findChild<QComboBox *>(kind == 2 ? QStringLiteral("comboBox_air") : QStringLiteral("comboBox_mode"));
-        QVERIFY(combo);
-        QCOMPARE(itemsOf(combo), english);
-        combo->setCurrentText(english.at(1));
-        QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
-        {
-            LanguageGuard guard(QStringLiteral("Chs"));
-            QCOMPARE(itemsOf(combo), chinese);
-            QCOMPARE(combo->currentIndex(), 1);
-        }
-        QCOMPARE(combo->currentText(), english.at(1));
-        QCOMPARE(changed.count(), 0);
-    }
-
-    void wheelScrollsTableNotValue_data()
-    {
-        QTest::addColumn<bool>("air");
-        QTest::newRow("mode") << false;
-        QTest::newRow("air") << true;
-    }
-
-    void wheelScrollsTableNotValue()
-    {
-        QFETCH(bool, air);
-        TestEnvironment env;
-        QWidget *cell = comboCell(air);
-        TableWithCell fixture(cell);
-        auto *combo = cell->findChild<QComboBox *>();
-        QVERIFY(combo);
-        combo->setCurrentIndex(1);
-        QSignalSpy changed(combo, &QComboBox::currentIndexChanged);
-        QScrollBar *bar = fixture.table.verticalScrollBar();
-        const int before = bar->value();
-        QVERIFY(before > 0);
-        turnWheel(combo, -120);
-        QCOMPARE(combo->currentIndex(), 1);
-        QCOMPARE(changed.count(), 0);
-        QVERIFY2(bar->value() > before, "scrolling down over the cell moves the table");
-        const int lower = bar->value();
-        turnWheel(combo, 120);
-        QCOMPARE(combo->currentIndex(), 1);
-        QVERIFY(bar->value() < lower);
-    }
-
-    void pressesSelectRow_data()
-    {
-        QTest::addColumn<bool>("onCombo");
-        QTest::addColumn<int>("button");
+        QTest::addColumn<QString>("cell");
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<int>("row");
+        QTest::addColumn<int>("scrolled"); // -1 up, 1 down
         QTest::addColumn<int>("rightClicks");
-        QTest::newRow("combo") << true << int(Qt::LeftButton) << 0;
-        QTest::newRow("line edit, right") << false << int(Qt::RightButton) << 1;
-        QTest::newRow("line edit, left") << false << int(Qt::LeftButton) << 0;
+        QTest::newRow("wheel down over mode") << "mode" << "wheel down" << 0 << 1 << 0;
+        QTest::newRow("wheel up over mode") << "mode" << "wheel up" << 0 << -1 << 0;
+        QTest::newRow("wheel down over air") << "air" << "wheel down" << 0 << 1 << 0;
+        QTest::newRow("press on mode") << "mode" << "left" << 20 << 0 << 0;
+        QTest::newRow("left press on value") << "value" << "left" << 20 << 0 << 0;
+        QTest::newRow("right press on value") << "value" << "right" << 20 << 0 << 1;
     }
 
-    void pressesSelectRow()
+    void cellInTable()
     {
-        QFETCH(bool, onCombo);
-        QFETCH(int, button);
+        QFETCH(QString, cell);
+        QFETCH(QString, action);
         TestEnvironment env;
-        QWidget *cell = onCombo ? static_cast<QWidget *>(new CLayerModeWidget) : new CLayerLineEditWidget;
-        TableWithCell fixture(cell, 3);
-        fixture.table.selectRow(0);
-        if (auto *edit = qobject_cast<CLayerLineEditWidget *>(cell)) {
-            QSignalSpy right(edit, &CLayerLineEditWidget::rightButtonClicked);
-            QTest::mousePress(edit->findChild<QLineEdit *>(), Qt::MouseButton(button));
-            QTEST(int(right.count()), "rightClicks");
+        QTableWidget table(40, 2);
+        table.resize(300, 200);
+        QWidget *widget = cell == QLatin1String("air") ? static_cast<QWidget *>(new CLayerAir)
+                          : cell == QLatin1String("mode") ? static_cast<QWidget *>(new CLayerModeWidget)
+                                                          : new CLayerLineEditWidget;
+        table.setCellWidget(20, 1, widget);
+        table.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&table));
+        table.selectRow(0);
+        table.scrollTo(table.model()->index(20, 1), QAbstractItemView::PositionAtCenter);
+        auto *combo = widget->findChild<QComboBox *>();
+        QWidget *target = combo ? static_cast<QWidget *>(combo) : widget->findChild<QLineEdit *>();
+        if (combo)
+            combo->setCurrentIndex(1);
+        QSignalSpy changed(combo ? combo : target, combo ? SIGNAL(currentIndexChanged(int)) : SIGNAL(textChanged(QString)));
+        int rightClicks = 0;
+        if (auto *edit = qobject_cast<CLayerLineEditWidget *>(widget))
+            connect(edit, &CLayerLineEditWidget::rightButtonClicked, this, [&rightClicks] { ++rightClicks; });
+        const int scroll = table.verticalScrollBar()->value();
+        QVERIFY(scroll > 0);
+        if (action.startsWith(QLatin1String("wheel"))) {
+            const QPointF pos(target->width() / 2.0, target->height() / 2.0);
+            QWheelEvent wheel(pos, target->mapToGlobal(pos), QPoint(), QPoint(0, action.endsWith(QLatin1String("up")) ? 120 : -120),
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(target, &wheel);
         } else {
-            auto *combo = cell->findChild<QComboBox *>();
-            QTest::mousePress(combo, Qt::LeftButton);
-            combo->hidePopup();
-            QTest::mouseRelease(combo, Qt::LeftButton);
+            QTest::mousePress(target, action == QLatin1String("right") ? Qt::RightButton : Qt::LeftButton);
+            if (combo) {
+                combo->hidePopup();
+                QTest::mouseRelease(combo, Qt::LeftButton);
+            }
         }
-        QCOMPARE(fixture.table.currentRow(), 3);
-        QVERIFY(fixture.table.selectionModel()->isRowSelected(3, QModelIndex()));
+        QTEST(table.currentRow(), "row");
+        QVERIFY(table.selectionModel()->isRowSelected(table.currentRow(), QModelIndex()));
+        QTEST(rightClicks, "rightClicks");
+        QTEST((table.verticalScrollBar()->value() > scroll) - (table.verticalScrollBar()->value() < scroll), "scrolled");
+        QCOMPARE(changed.count(), 0);
     }
 
     // Decimals -1: no range; 0: speeds of 0 to 3000; 1: powers of 0.1 to 100. Set rows hand the
@@ -241,13 +158,16 @@ private slots:
         QFETCH(QString, input);
         TestEnvironment env;
         CLayerLineEditWidget widget;
-        if (decimals == 0)
-            widget.SetRange(0.0, 3000.0, 0, QLocale::C);
-        else if (decimals == 1)
-            widget.SetRange(0.1, 100.0, 1, QLocale::C);
+        if (decimals >= 0)
+            widget.SetRange(decimals ? 0.1 : 0.0, decimals ? 100.0 : 3000.0, decimals, QLocale::C);
+        widget.resize(80, 40);
         widget.show();
         QVERIFY(QTest::qWaitForWindowExposed(&widget));
         auto *edit = widget.findChild<QLineEdit *>();
+        // The value must stay readable in a narrow table column.
+        QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
+        QCOMPARE(edit->height(), edit->sizeHint().height());
+        QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
         edit->setFocus();
         QSignalSpy done(&widget, &CLayerLineEditWidget::editingFinished);
         if (!typed) {
@@ -264,22 +184,6 @@ private slots:
         QTEST(edit->text(), "shown");
         QCOMPARE(widget.Text(), edit->text());
         QTEST(int(done.count()), "finished");
-    }
-
-    void lineEditFillsNarrowCell()
-    {
-        TestEnvironment env;
-        CLayerLineEditWidget widget;
-        widget.SetRange(0.0, 3000.0, 0, QLocale::C);
-        widget.SetText(QStringLiteral("120"));
-        widget.resize(80, 40);
-        widget.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&widget));
-        auto *edit = widget.findChild<QLineEdit *>();
-        // The value must stay readable in a narrow table column.
-        QVERIFY2(edit->width() >= 60, qPrintable(QString::number(edit->width())));
-        QCOMPARE(edit->height(), edit->sizeHint().height());
-        QVERIFY(edit->geometry().center().x() - widget.rect().center().x() <= 1);
     }
 };
 

@@ -10,7 +10,6 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLibrary>
 #include <QLineEdit>
 #include <QPushButton>
@@ -21,22 +20,21 @@ using namespace paneltest;
 
 namespace {
 
-enum { COL_NUM, COL_MODE, COL_SPEED, COL_POWER, COL_TYPE, COL_AIR, COL_OUTPUT };
+enum { COL_NUM, COL_MODE, COL_SPEED, COL_POWER, COL_TYPE };
 
 const QString kBin = QStringLiteral(LAYERMGR_BUILD_BIN);
 
-// One text per shown row: a cell's button or line edit, or the mode item's tool tip.
+// One text per shown row: the number button's letter, the mode item's tool tip or the value.
 QStringList column(const QTableWidget *table, int column)
 {
     QStringList texts;
     for (int row = 0; row < table->rowCount() && !table->isRowHidden(row); ++row) {
-        QWidget *cell = table->cellWidget(row, column);
         if (column == COL_MODE)
             texts << table->item(row, COL_MODE)->toolTip();
-        else if (const auto *button = cell->findChild<QPushButton *>(QStringLiteral("pushButton_layerColor")))
-            texts << button->text();
-        else if (const auto *edit = cell->findChild<QLineEdit *>())
-            texts << edit->text();
+        else if (column == COL_NUM)
+            texts << table->cellWidget(row, column)->findChild<QPushButton *>()->text();
+        else
+            texts << table->cellWidget(row, column)->findChild<QLineEdit *>()->text();
     }
     return texts;
 }
@@ -58,8 +56,7 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     QLibrary resolutionLibrary(kBin + QStringLiteral("/libResolution.so"));
     QVERIFY2(resolutionLibrary.load(), qPrintable(resolutionLibrary.errorString()));
     auto newResolution = reinterpret_cast<IResolution *(*)()>(resolutionLibrary.resolve("NewInterface"));
-    auto releaseResolution =
-        reinterpret_cast<void (*)(IResolution *)>(resolutionLibrary.resolve("ReleaseInterface"));
+    auto releaseResolution = reinterpret_cast<void (*)(IResolution *)>(resolutionLibrary.resolve("ReleaseInterface"));
     QVERIFY(newResolution && releaseResolution);
     IResolution *resolution = newResolution();
     const int rowHeight = int(resolution->Scale(40.0));
@@ -70,42 +67,34 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     auto newInterface = reinterpret_cast<NewInterfaceFunc>(plugin.resolve("NewInterface"));
     auto releaseInterface = reinterpret_cast<ReleaseInterfaceFunc>(plugin.resolve("ReleaseInterface"));
     QVERIFY(newInterface && releaseInterface);
-    QVERIFY2(!plugin.resolve("NewLayerPanel"), "only the two entry points are exported");
-
     CLayerMgrModuleApi *module = newInterface();
-    QVERIFY(module);
     QWidget window;
     window.resize(700, 420);
     int hostData = 0;
     DlgLayerMgr *panel = module->CreatePanel(&window, &hostData);
     QVERIFY(panel);
     auto *table = window.findChild<QTableWidget *>(QStringLiteral("tableWidget"));
-    QVERIFY(table);
     auto *layout = qobject_cast<QHBoxLayout *>(window.layout());
-    QVERIFY(layout);
+    QVERIFY(table && layout);
+    // The panel fills the host's widget edge to edge.
     QCOMPARE(layout->count(), 1);
     QCOMPARE(layout->spacing(), 0);
     QCOMPARE(layout->contentsMargins(), QMargins());
     QCOMPARE(table->verticalHeader()->defaultSectionSize(), rowHeight);
-    for (const QString &line : env.logLines())
-        QVERIFY2(!line.contains(QStringLiteral("Load Resolution")), qPrintable(line));
+    QVERIFY2(!env.logLines().join('\n').contains(QStringLiteral("Load Resolution")), qPrintable(env.logLines().join('\n')));
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
 
     FakeLayerHost host;
     ILayerMgr *manager = module->CreateLayerMgr(&host);
-    QVERIFY(manager);
     manager->AttachPanel(panel);
     module->SetUnitMode(1);
-
     CShapeList shapes;
-    shapes.AddTail(new CShape(StandardLayerColor(1, false)));
-    shapes.AddTail(new CShape(StandardLayerColor(2, false)));
-    shapes.AddTail(new CShape(StandardLayerColor(1, false)));
+    for (quint32 number : {1, 2, 1})
+        shapes.AddTail(new CShape(StandardLayerColor(number, false)));
     shapes.AddTail(new CShape(StandardLayerColor(3, false), SHAPE_IMAGE));
     manager->UpdateLayers(&shapes);
     QCOMPARE(manager->GetLayerCount(), 3u);
-
     QStringList letters, modes;
     for (quint32 i = 0; i < manager->GetLayerCount(); ++i) {
         const CLayerParam *layer = manager->GetLayerAt(i);
@@ -122,23 +111,6 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     QCOMPARE(column(table, COL_SPEED), (QStringList{"60", "60", "60"}));
     module->SetPanelFlag(true);
     QCOMPARE(table->horizontalHeaderItem(COL_TYPE)->text(), QString::fromUtf8("Type⥮"));
-
-    env.clearLog();
-    auto *eye = qobject_cast<QPushButton *>(table->cellWidget(1, COL_OUTPUT));
-    QVERIFY(eye);
-    QTest::mouseClick(eye, Qt::LeftButton);
-    QList<quint32> off;
-    manager->GetNonOutputColors(off);
-    QCOMPARE(off, QList<quint32>{manager->GetLayerAt(1)->COLOR});
-    QCOMPARE(host.calls, QStringList{"LayersChanged"});
-    QCOMPARE(env.logLines(),
-             (QStringList{"0|pushButton_layerEye was clicked.", "1|clicke index 1,6"}));
-
-    // A shape gone takes its row with it.
-    delete shapes.TakeAt(1);
-    manager->UpdateLayers(&shapes);
-    QCOMPARE(manager->GetLayerCount(), 2u);
-    QCOMPARE(column(table, COL_MODE).size(), 2);
 
     module->ReleaseLayerMgr(manager);
     releaseInterface(module);
