@@ -31,16 +31,19 @@ private slots:
         // clang-format off
         QTest::addColumn<int>("buttons");
         QTest::addColumn<QString>("language");
+        QTest::addColumn<bool>("switchedWhileOpen");
         // "objectName=text" of every button that got an object name, sorted:
         // style sheets select on the names.
         QTest::addColumn<QStringList>("named");
 
         const int all = int(QMessageBox::Yes | QMessageBox::No | QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Retry);
-        QTest::newRow("ok and cancel, English") << int(QMessageBox::Ok | QMessageBox::Cancel) << "" << QStringList{"messageBox_cancelButton=Cancel", "messageBox_okButton=OK"};
-        QTest::newRow("all five, Chinese") << all << "Chs" << QStringList{QStringLiteral("messageBox_cancelButton=取消"), QStringLiteral("messageBox_noButton=否"), QStringLiteral("messageBox_okButton=确定"), QStringLiteral("messageBox_retryButton=重试"), QStringLiteral("messageBox_yesButton=是")};
+        QTest::newRow("ok and cancel, English") << int(QMessageBox::Ok | QMessageBox::Cancel) << "" << false << QStringList{"messageBox_cancelButton=Cancel", "messageBox_okButton=OK"};
+        const QStringList allChinese{QStringLiteral("messageBox_cancelButton=取消"), QStringLiteral("messageBox_noButton=否"), QStringLiteral("messageBox_okButton=确定"), QStringLiteral("messageBox_retryButton=重试"), QStringLiteral("messageBox_yesButton=是")};
+        QTest::newRow("all five, Chinese") << all << "Chs" << false << allChinese;
+        QTest::newRow("all five, Chinese chosen while open") << all << "Chs" << true << allChinese;
         // A button outside the styled set stays as Qt made it.
-        QTest::newRow("save is left alone") << int(QMessageBox::Save | QMessageBox::No) << "Chs" << QStringList{QStringLiteral("messageBox_noButton=否")};
-        QTest::newRow("no buttons") << 0 << "Chs" << QStringList{};
+        QTest::newRow("save is left alone") << int(QMessageBox::Save | QMessageBox::No) << "Chs" << false << QStringList{QStringLiteral("messageBox_noButton=否")};
+        QTest::newRow("no buttons") << 0 << "Chs" << false << QStringList{};
         // clang-format on
     }
 
@@ -48,11 +51,12 @@ private slots:
     {
         QFETCH(int, buttons);
         QFETCH(QString, language);
+        QFETCH(bool, switchedWhileOpen);
         TestEnvironment env;
         QVERIFY(env.writeFile(env.resourceDir() + QStringLiteral("/Lang/Chs/test.ini"),
                               QStringLiteral("Yes=是\nNo=否\nOK=确定\nCancel=取消\nRetry=重试\n").toUtf8()));
         CTranslator::GetInstance()->SetResourceDir(env.resourceDir());
-        CTranslator::GetInstance()->SetLanguage(language);
+        CTranslator::GetInstance()->SetLanguage(switchedWhileOpen ? QString() : language);
         const auto english = qScopeGuard([] {
             CTranslator::GetInstance()->SetLanguage(QString());
             CTranslator::GetInstance()->SetResourceDir(QString());
@@ -60,6 +64,8 @@ private slots:
         QWidget parent;
         CMsgBoxQss box(QMessageBox::Question, QStringLiteral("Tips"), QStringLiteral("Delete?"),
                        QMessageBox::StandardButtons(buttons), &parent);
+        if (switchedWhileOpen)
+            CTranslator::GetInstance()->SetLanguage(language);
         QStringList named;
         for (const QAbstractButton *button : box.buttons()) {
             if (!button->objectName().isEmpty())
