@@ -1,10 +1,9 @@
-#include "host/ctranslator.h"
 #include "libmgr/cmateriallistwidget.h"
 #include "libmgr/dlglayerparampresets.h"
 #include "libmgr/mylistwidget.h"
+#include "libmgrwidgettest.h"
 #include "testenvironment.h"
 
-#include <QApplication>
 #include <QComboBox>
 #include <QLabel>
 #include <QLayout>
@@ -19,7 +18,6 @@ namespace {
 using Args = QVariantList;
 using P = DlgLayerParamPresets;
 const QString kMaterial = QStringLiteral("comboBox_Material");
-const QString kThickness = QStringLiteral("comboBox_Thickness");
 
 Args first(const QSignalSpy &spy)
 {
@@ -55,7 +53,6 @@ struct PanelFixture
         return mean ? QMetaMethod::fromSignal(&P::SigThicknessMean)
                     : QMetaMethod::fromSignal(&P::SigThicknessIndxChanged);
     }
-    template <typename T> T *child(const QString &name) { return panel.findChild<T *>(name); }
 
     TestEnvironment env;
     P panel;
@@ -82,33 +79,33 @@ private slots:
         QTest::addColumn<int>("current");
         QTest::addColumn<Args>("changed");
         QTest::addColumn<Args>("mean");
+        const QString thickness = QStringLiteral("comboBox_Thickness");
         QTest::newRow("material") << kMaterial << true << 2 << 2 << Args{2} << Args{};
         QTest::newRow("custom material") << kMaterial << true << 3 << 1 << Args{} << Args{0, 1};
-        QTest::newRow("thickness") << kThickness << true << 0 << 0 << Args{0} << Args{};
+        QTest::newRow("thickness") << thickness << true << 0 << 0 << Args{0} << Args{};
         QTest::newRow("custom thickness")
-            << kThickness << true << 3 << 1 << Args{} << Args{0, 1, QString()};
+            << thickness << true << 3 << 1 << Args{} << Args{0, 1, QString()};
         QTest::newRow("material, signals off") << kMaterial << false << 2 << 2 << Args{} << Args{};
         QTest::newRow("custom thickness, signals off")
-            << kThickness << false << 3 << 3 << Args{} << Args{};
+            << thickness << false << 3 << 3 << Args{} << Args{};
     }
     void chooseRow()
     {
         QFETCH(QString, combo);
         QFETCH(bool, enabled);
         QFETCH(int, row);
-        QFETCH(int, current);
         PanelFixture f;
         f.panel.SetSignalsEnabled(enabled ? 1 : 0);
         QSignalSpy changed(&f.panel, f.signal(combo, false));
         QSignalSpy mean(&f.panel, f.signal(combo, true));
-        f.child<QComboBox>(combo)->setCurrentIndex(row);
+        child<QComboBox>(&f.panel, combo)->setCurrentIndex(row);
 
-        QCOMPARE(f.child<QComboBox>(combo)->currentIndex(), current);
-        QCOMPARE(combo == kMaterial ? f.panel.CurrentMaterial() : f.panel.CurrentThickness(),
-                 current);
+        QTEST(child<QComboBox>(&f.panel, combo)->currentIndex(), "current");
+        QTEST(combo == kMaterial ? f.panel.CurrentMaterial() : f.panel.CurrentThickness(),
+              "current");
         QTEST(first(changed), "changed");
         QTEST(first(mean), "mean");
-        QCOMPARE(changed.count() + mean.count(), enabled ? 1 : 0);
+        QCOMPARE(changed.count() + mean.count(), int(enabled));
         QCOMPARE(f.env.logLines().contains("0|" + combo + " was changed."), enabled);
     }
 
@@ -118,7 +115,7 @@ private slots:
         P panel;
         panel.AddMaterial(QStringLiteral("Custom material"), QString());
         QSignalSpy mean(&panel, &P::SigMaterialMean);
-        auto *box = panel.findChild<QComboBox *>(kMaterial);
+        auto *box = child<QComboBox>(&panel, kMaterial);
         emit box->activated(0); // picked again: no index change
         QCOMPARE(first(mean), (Args{0, 0}));
         QCOMPARE(box->currentIndex(), -1);
@@ -146,7 +143,7 @@ private slots:
         f.panel.SetSignalsEnabled(enabled ? 1 : 0);
         QSignalSpy clicked(&f.panel, craft ? &P::SigCraftCilcked : &P::SigSchemeCilcked);
         QSignalSpy rowChanged(&f.panel, craft ? &P::SigCraftCurChaged : &P::SigSchemeCurChaged);
-        auto *list = f.child<QListWidget>(craft ? "listWidget" : "listWidget_scheme");
+        auto *list = child<QListWidget>(&f.panel, craft ? "listWidget" : "listWidget_scheme");
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                           list->visualItemRect(list->item(1)).center());
 
@@ -166,12 +163,13 @@ private slots:
         QTest::addColumn<int>("row");
         QTest::addColumn<QStringList>("actions"); // none: no menu
         QTest::addColumn<Args>("lastAction");
+        const QString thickness = QStringLiteral("comboBox_Thickness");
         QTest::newRow("material") << kMaterial << 0 << QStringList{"Rename", "Delete"}
                                   << Args{2, 1};
         QTest::newRow("custom material") << kMaterial << 3 << QStringList{} << Args{};
         QTest::newRow("thickness")
-            << kThickness << 2 << QStringList{"Delete"} << Args{1, 1, QString()};
-        QTest::newRow("custom thickness") << kThickness << 3 << QStringList{} << Args{};
+            << thickness << 2 << QStringList{"Delete"} << Args{1, 1, QString()};
+        QTest::newRow("custom thickness") << thickness << 3 << QStringList{} << Args{};
     }
     void contextMenu()
     {
@@ -180,7 +178,7 @@ private slots:
         QFETCH(QStringList, actions);
         PanelFixture f;
         QSignalSpy mean(&f.panel, f.signal(combo, true));
-        QComboBox *box = f.child<QComboBox>(combo);
+        auto *box = child<QComboBox>(&f.panel, combo);
         box->showPopup();
         QAbstractItemView *view = box->view();
         view->setCurrentIndex(view->model()->index(row, 0));
@@ -207,22 +205,19 @@ private slots:
     void lasers_data()
     {
         QTest::addColumn<QByteArray>("ini");
-        QTest::addColumn<QStringList>("texts");
+        QTest::addColumn<QString>("texts");
         QTest::addColumn<QList<int>>("tubes");
-        QTest::newRow("fibre and glass")
-            << QByteArray("LASER1_TYPE=3\nLASER2_TYPE=0")
-            << QStringList{"Laser1-Fiber", "Laser2-Glass"} << QList<int>{3, 0};
+        QTest::newRow("fibre and glass") << QByteArray("LASER1_TYPE=3\nLASER2_TYPE=0")
+                                         << "Laser1-Fiber|Laser2-Glass" << QList<int>{3, 0};
         QTest::newRow("semiconductor and RF")
-            << QByteArray("LASER1_TYPE=4\nLASER2_TYPE=2")
-            << QStringList{"Laser1-Semiconductor laser", "Laser2-RF"} << QList<int>{4, 2};
-        QTest::newRow("unknown and garbage")
-            << QByteArray("LASER1_TYPE=9\nLASER2_TYPE=x")
-            << QStringList{"Laser1-Glass", "Laser2-Glass"} << QList<int>{0, 0};
+            << QByteArray("LASER1_TYPE=4\nLASER2_TYPE=2") << "Laser1-Semiconductor laser|Laser2-RF"
+            << QList<int>{4, 2};
+        QTest::newRow("unknown and garbage") << QByteArray("LASER1_TYPE=9\nLASER2_TYPE=x")
+                                             << "Laser1-Glass|Laser2-Glass" << QList<int>{0, 0};
     }
     void lasers()
     {
         QFETCH(QByteArray, ini);
-        QFETCH(QStringList, texts);
         QFETCH(QList<int>, tubes);
         TestEnvironment env;
         QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"), "[FACTORY_PARAM_LASER]\n" + ini));
@@ -230,15 +225,16 @@ private slots:
         panel.ShowLaserChoice(true, true);
         panel.show();
         QSignalSpy laser(&panel, &P::LaserChanged);
+        QStringList texts;
         for (int i = 0; i < 2; ++i) {
             auto *button =
-                panel.findChild<QRadioButton *>("radioButton_laser" + QString::number(i + 1));
-            QCOMPARE(button->text(), texts.at(i));
+                child<QRadioButton>(&panel, "radioButton_laser" + QString::number(i + 1));
+            texts << button->text();
             QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
             QCOMPARE(panel.IsFirstLaserChecked(), i == 0);
-            QCOMPARE(laser.at(i).at(0).toInt(), i + 1);
-            QCOMPARE(laser.at(i).at(1).value<ELASER_TUBE>(), ELASER_TUBE(tubes.at(i)));
+            QCOMPARE(laser.at(i), (Args{i + 1, QVariant::fromValue(ELASER_TUBE(tubes.at(i)))}));
         }
+        QTEST(texts.join('|'), "texts");
         QVERIFY(env.logLines().contains(QStringLiteral("0|radioButton_laser2 was clicked.")));
         panel.ShowLaserChoice(false, true); // hiding the choice falls back to the first laser
         QVERIFY(panel.IsFirstLaserChecked());
@@ -248,21 +244,19 @@ private slots:
     {
         TestEnvironment env;
         P panel;
-        auto *schemes = panel.findChild<QListWidget *>(QStringLiteral("listWidget_scheme"));
+        auto *schemes = child<QListWidget>(&panel, QStringLiteral("listWidget_scheme"));
         QSignalSpy changed(&panel, &P::SigSchemeCurChaged);
         QCOMPARE(panel.CurrentScheme(), 2);
         panel.SetCurrentScheme(0);
         QCOMPARE(panel.CurrentScheme(), 0);
         QCOMPARE(changed.count(), 0);
 
-        CTranslator::GetInstance()->SetResourceDir(
-            QStringLiteral(LAYERMGR_SOURCE_DIR "/resources"));
-        CTranslator::GetInstance()->SetLanguage(QStringLiteral("Chs"));
-        const QStringList chinese{schemes->item(0)->text(), schemes->item(2)->text(),
-                                  panel.findChild<QLabel *>(QStringLiteral("label_6"))->text()};
-        CTranslator::GetInstance()->SetLanguage(QString());
-        CTranslator::GetInstance()->SetResourceDir(QString());
-        QCOMPARE(chinese, (QStringList{"推荐", "临时", "方案设置"}));
+        const auto texts = [&] {
+            return QStringList{schemes->item(0)->text(), schemes->item(2)->text(),
+                               child<QLabel>(&panel, QStringLiteral("label_6"))->text()};
+        };
+        QCOMPARE(inLanguage(QStringLiteral("Chs"), texts),
+                 (QStringList{"推荐", "临时", "方案设置"}));
         QCOMPARE(schemes->item(2)->text(), QStringLiteral("Temporary"));
     }
 

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "ctranslator.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QTimer>
+
+#include <functional>
+
+// Helpers shared by the widget tests of the library manager's dialogs.
+
+// A named child widget; a missing one stops the test run with its name.
+template <typename T = QWidget> T *child(const QObject *parent, const QString &name)
+{
+    T *widget = parent->findChild<T *>(name);
+    if (!widget)
+        qFatal("no %s", qPrintable(name));
+    return widget;
+}
+
+inline void click(const QObject *parent, const QString &button)
+{
+    child<QAbstractButton>(parent, button)->click();
+}
+
+// Runs `act` on the modal widget of type T once one shows; the poll dies with
+// `context`, so a box that never came leaves nothing behind.
+template <typename T> void whenModal(QObject *context, std::function<void(T *)> act)
+{
+    auto *poll = new QTimer(context);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, act] {
+        if (auto *widget = qobject_cast<T *>(QApplication::activeModalWidget())) {
+            poll->deleteLater();
+            act(widget);
+        }
+    });
+    poll->start(10);
+}
+
+// What `read` returns while the interface speaks `language` (from the
+// project's own resources); English is back afterwards.
+template <typename Read> auto inLanguage(const QString &language, Read read)
+{
+    CTranslator *translator = CTranslator::GetInstance();
+    translator->SetResourceDir(QStringLiteral(LAYERMGR_SOURCE_DIR "/resources"));
+    translator->SetLanguage(language);
+    const auto result = read();
+    translator->SetLanguage(QString());
+    translator->SetResourceDir(QString());
+    return result;
+}
