@@ -165,7 +165,8 @@ private slots:
                    addOak(l);
                })
             << false
-            << QStringList{"power 100  0 Cutting Power:  > 100", "material 100 Oak 0 Cutting Material:  > Oak",
+            << QStringList{"power 100  0 Cutting Power:  > 100",
+                           "material 100 Oak 0 Cutting Material:  > Oak",
                            "thickness 100 Oak 2 Cutting Thickness:  > 2",
                            "set 100 Oak 2 Tracing Parameters:  > Tracing"}
             << Edit([](CMaterialLibrary &l) {
@@ -246,7 +247,8 @@ private slots:
             for (const CLibCutSet &set : user.CutSets()) {
                 const CLibCutSet *base = factory.FindCutSet(set.key);
                 const CLibCutSet *theirs = incoming.FindCutSet(set.key);
-                if ((!base || !SameSetFields(*base, set)) && theirs && !SameSetFields(set, *theirs)) {
+                const bool changed = !base || !SameSetFields(*base, set);
+                if (changed && theirs && !SameSetFields(set, *theirs)) {
                     QVERIFY2(SameSetFields(*kept.FindCutSet(set.key), set), context);
                     QVERIFY2(hasConflict(merge, set.key), context);
                 }
@@ -274,8 +276,8 @@ private slots:
                 // As exported: a mark set's note is not read back.
                 const CMaterialLibrary read = readBytes(MaterialLibraryText(user));
                 const QByteArray bytes = MaterialLibraryText(read);
-                QCOMPARE(MaterialLibraryText(CLibraryMerge(factory, read, readBytes(bytes)).Apply()),
-                         bytes);
+                const CLibraryMerge self(factory, read, readBytes(bytes));
+                QCOMPARE(MaterialLibraryText(self.Apply()), bytes);
             }
         }
     }
