@@ -43,9 +43,10 @@ QStringList rowTexts(const CLibraryMerge &merge)
     static const char *const kinds[] = {"power", "material", "thickness", "set", "field"};
     QStringList texts;
     for (const CLibMergeRow &row : merge.Rows()) {
-        texts << QStringList{QLatin1String(kinds[int(row.kind)]), QString::number(row.key.power), row.key.material,
-                             QString::number(row.key.thickness), CraftName(row.key.craft),
-                             row.caption + ':', row.oldText, QStringLiteral(">"), row.newText}
+        texts << QStringList{QLatin1String(kinds[int(row.kind)]), QString::number(row.key.power),
+                             row.key.material, QString::number(row.key.thickness),
+                             CraftName(row.key.craft), row.caption + ':', row.oldText,
+                             QStringLiteral(">"), row.newText}
                          .join(' ')
                 + (row.conflict ? " !" : "");
     }
@@ -94,7 +95,8 @@ void randomEdits(CMaterialLibrary &library, QRandomGenerator &rng)
                 addRandomSets(library, m, rng);
         } else if (what == 1 && !cuts.empty()) {
             CLibCutSet set = cuts[rng.bounded(int(cuts.size()))];
-            CutSetFields()[rng.bounded(int(CutSetFields().size()))].copy(set, sampleCutSet(set.key));
+            const auto &field = CutSetFields()[rng.bounded(int(CutSetFields().size()))];
+            field.copy(set, sampleCutSet(set.key));
             library.SetCutSet(set);
         } else if (what == 2 && !sweeps.empty()) {
             CLibSweepSet set = sweeps[rng.bounded(int(sweeps.size()))];
@@ -199,7 +201,8 @@ private slots:
             randomEdits(incoming, rng);
             if (rng.bounded(8) == 0)
                 factory.Clear();
-            const QByteArray context = "round " + QByteArray::number(round);
+            const QByteArray label = "round " + QByteArray::number(round);
+            const char *context = label.constData();
 
             CLibraryMerge merge(factory, user, incoming);
             const CMaterialLibrary kept = merge.Apply();
@@ -209,21 +212,21 @@ private slots:
             // Whatever differs from the user's once all is taken is a row (a
             // conflict where the user's stays by default); nothing is removed.
             for (const CLibDiffEntry &change : DiffLibraries(user, taken)) {
-                QVERIFY2(change.kind != CLibDiffEntry::Removed, context.constData());
+                QVERIFY2(change.kind != CLibDiffEntry::Removed, context);
                 const CLibCutSet *base = factory.FindCutSet(change.key);
                 const CLibCutSet *mine = user.FindCutSet(change.key);
                 const bool changedByUser = mine && (!base || !SameSetFields(*base, *mine));
-                QVERIFY2(hasRow(merge, change, changedByUser), context.constData());
+                QVERIFY2(hasRow(merge, change, changedByUser), context);
                 if (changedByUser)
-                    QVERIFY2(SameSetFields(*kept.FindCutSet(change.key), *mine), context.constData());
+                    QVERIFY2(SameSetFields(*kept.FindCutSet(change.key), *mine), context);
             }
             // Against the file, only the kept conflicts still differ.
             for (const CLibDiffEntry &change : DiffLibraries(kept, incoming)) {
-                QVERIFY2(change.kind != CLibDiffEntry::Added, context.constData());
+                QVERIFY2(change.kind != CLibDiffEntry::Added, context);
                 if (change.kind == CLibDiffEntry::Changed)
-                    QVERIFY2(hasRow(merge, change, true), context.constData());
+                    QVERIFY2(hasRow(merge, change, true), context);
             }
-            QVERIFY2(CLibraryMerge(factory, user, user).IsEmpty(), context.constData());
+            QVERIFY2(CLibraryMerge(factory, user, user).IsEmpty(), context);
             if (round % 10 == 0) {
                 // As exported: a mark set's note is not read back.
                 const CMaterialLibrary read = readBytes(MaterialLibraryText(user));
