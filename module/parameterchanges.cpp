@@ -1,6 +1,7 @@
 #include "parameterchanges.h"
 
 #include "ctranslator.h"
+#include "library/librarymerge.h"
 
 namespace {
 
@@ -62,23 +63,6 @@ private:
     QList<QStringList> m_rows;
 };
 
-const CLibLaser &libLaser(const CLibCutSet &set, int laser)
-{
-    return laser == 1 ? set.laser1 : set.laser2;
-}
-
-const CLibLaser &libLaser(const CLibSweepSet &set, int laser)
-{
-    return laser == 1 ? set.laser1 : set.laser2;
-}
-
-void comparePen(ChangeRows &rows, const CLibPen &a, const CLibPen &b)
-{
-    rows.OnOff("Enable Dynamic Focus", a.enableUpDown, b.enableUpDown);
-    rows.Number("Processing Focus", a.downHeight, b.downHeight);
-    rows.Number("Safety Focus", a.upHeight, b.upHeight);
-}
-
 void comparePen(ChangeRows &rows, const PenParam &a, const PenParam &b)
 {
     rows.OnOff("Enable Dynamic Focus", a.ENABLE_PEN_UP_DOWN, b.ENABLE_PEN_UP_DOWN);
@@ -103,92 +87,46 @@ void compareLayerLasers(ChangeRows &rows, const LaserParam (&a)[2], const LaserP
     }
 }
 
+// The summary's rows of a set: one laser's fields unless dual, and captions
+// without the laser then.
+template<typename Set>
+QList<QStringList> setChanges(const std::vector<CLibSetField<Set>> &fields, const Set &a,
+                              const Set &b, bool dualLaser)
+{
+    QList<QStringList> rows;
+    for (const CLibSetField<Set> &field : fields) {
+        if (!field.summary || field.laser > (dualLaser ? 2 : 1) || field.same(a, b))
+            continue;
+        rows.append({field.Caption(dualLaser), field.Text(a), field.Text(b)});
+    }
+    return rows;
+}
+
 } // namespace
 
 QString ChangeNumberText(double value)
 {
-    return QString::number(value, 'g', 6);
+    return LibNumberText(value);
 }
 
 QString ChangeOnOffText(bool on)
 {
-    // "Close" is the program's own word for off.
-    return wording(on ? "On" : "Close");
+    return LibFieldText(ELibFieldFormat::OnOff, on ? 1 : 0);
 }
 
 QString ChangeResolutionText(qint32 index)
 {
-    static const char *const kResolutions[] = {
-        "50",  "70",  "100",  "150",  "200",  "250",  "300",  "350",  "400",  "500",
-        "600", "800", "1000", "1500", "2000", "2500", "3000", "3500", "4000",
-    };
-    constexpr qint32 count = qint32(sizeof(kResolutions) / sizeof(kResolutions[0]));
-    return QString::fromLatin1(index >= 0 && index < count ? kResolutions[index] : "9999");
+    return LibFieldText(ELibFieldFormat::Resolution, index);
 }
 
 QList<QStringList> CutSetChanges(const CLibCutSet &a, const CLibCutSet &b, bool dualLaser)
 {
-    ChangeRows rows(dualLaser);
-    rows.Number("Speed", a.speed, b.speed);
-    rows.Air(a.blowing, b.blowing);
-    rows.Number("Seal length", a.sealLength, b.sealLength);
-    // "Processing Times": a cut set keeps no pass count, so it never differs.
-    for (int n = 1; n <= rows.LaserCount(); ++n) {
-        rows.Number("Max Power", libLaser(a, n).power, libLaser(b, n).power, n);
-        rows.Number("Corner Power", libLaser(a, n).turnPower, libLaser(b, n).turnPower, n);
-    }
-    for (int n = 1; n <= rows.LaserCount(); ++n) {
-        const CLibLaser &o = libLaser(a, n);
-        const CLibLaser &m = libLaser(b, n);
-        rows.Number("Jump Delay", o.jumpDelay, m.jumpDelay, n);
-        rows.Number("Corner Delay", o.cornerDelay, m.cornerDelay, n);
-        rows.OnOff("Use laser dwell mode", o.dwellMode, m.dwellMode, n);
-        rows.OnOff("Laser ON", o.dwellOn, m.dwellOn, n);
-        // The second laser's two captions are in title case; users know them so.
-        rows.Number(n == 1 ? "Start dwell time" : "Start Dwell Time", o.startDwellTime,
-                    m.startDwellTime, n);
-        rows.Number(n == 1 ? "End dwell time" : "End Dwell Time", o.endDwellTime, m.endDwellTime,
-                    n);
-        rows.Number("Laser Power", o.dwellPower, m.dwellPower, n);
-    }
-    rows.OnOff("Use Tabs", a.bridges, b.bridges);
-    rows.Number("Nozzle Size", a.bridgesLength, b.bridgesLength);
-    rows.Number("Nozzle Distance", a.bridgesSpace, b.bridgesSpace);
-    rows.OnOff("Using Cutting Leads", a.useGuideLine, b.useGuideLine);
-    rows.Number("Lead-In", a.guideInLen, b.guideInLen);
-    rows.Number("Lead-Out", a.guideOutLen, b.guideOutLen);
-    comparePen(rows, a.pen, b.pen);
-    rows.OnOff("Use laser compensation", a.useCompensate, b.useCompensate);
-    rows.Number("Compensation size", a.compensateSize, b.compensateSize);
-    return rows.Take();
+    return setChanges(CutSetFields(), a, b, dualLaser);
 }
 
 QList<QStringList> SweepSetChanges(const CLibSweepSet &a, const CLibSweepSet &b, bool dualLaser)
 {
-    ChangeRows rows(dualLaser);
-    rows.Number("Speed", a.speed, b.speed);
-    for (int n = 1; n <= rows.LaserCount(); ++n) {
-        rows.Number("Max Power", libLaser(a, n).power, libLaser(b, n).power, n);
-        // The only minimum a sweep set keeps is the first laser's ramp start.
-        if (n == 1)
-            rows.Number("Min Power", a.minPower, b.minPower, n);
-    }
-    for (int n = 1; n <= rows.LaserCount(); ++n) {
-        rows.Number("Jump Delay", libLaser(a, n).jumpDelay, libLaser(b, n).jumpDelay, n);
-        rows.Number("Corner Delay", libLaser(a, n).cornerDelay, libLaser(b, n).cornerDelay, n);
-    }
-    rows.Air(a.blowing, b.blowing);
-    rows.Number("Processing Times", a.carvingNumber, b.carvingNumber);
-    comparePen(rows, a.pen, b.pen);
-    rows.OnOff("Slope pattern", a.isRamp, b.isRamp);
-    rows.Number("Ramp Length", a.rampLength, b.rampLength);
-    rows.OnOff("3D Relief", a.is3DRelief, b.is3DRelief);
-    rows.Choice("Mode", a.mode, b.mode, "HoriZontal bidirectional", "HoriZontal one-way");
-    // The scan direction is the layer's, not the set's: no row here.
-    rows.OnOff("Offset engraving", a.offsetEngraving, b.offsetEngraving);
-    rows.Choice("Engraving direction", a.offsetType, b.offsetType, "Inside out", "Outside in");
-    rows.Resolution("Resolution", a.dpi, b.dpi);
-    return rows.Take();
+    return setChanges(SweepSetFields(), a, b, dualLaser);
 }
 
 QList<QStringList> LayerChanges(const CLayerParam &a, const CLayerParam &b, bool dualLaser)
