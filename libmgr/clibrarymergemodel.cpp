@@ -85,7 +85,8 @@ QVariant CLibraryMergeModel::data(const QModelIndex &index, int role) const
     case ColumnLaser:
         return tubeText(row.key.tube, row.key.power);
     case ColumnMaterial:
-        return material ? row.key.material : QString();
+        // Material names read as the library manager shows them.
+        return material ? CTranslator::GetInstance()->GetWording(row.key.material) : QString();
     case ColumnThickness:
         return thickness ? thicknessText(row.key.thickness) : QString();
     case ColumnCraft:

@@ -157,6 +157,7 @@ private slots:
         QTest::newRow("change summary") << QStringList{"DlgTps"} << QString();
         QTest::newRow("fill editor") << QStringList{"DlgLayerParamSweep"} << QString();
         QTest::newRow("add thickness") << QStringList{"DlgLayerAddThickness", "--language", "Chs"} << QString();
+        QTest::newRow("import summary of a sample merge") << QStringList{"DlgLibraryMerge"} << QString();
         QTest::newRow("tube dialog while connected") << QStringList{"DlgOne", "--device-status", "0"}
                                                      << "layerhost: The dialog DlgLaserTube did not appear within 5 s.";
     }
