@@ -338,6 +338,8 @@ const CLibCutSet *CMaterialLibrary::FindCutSet(const CLibKey &key) const
 
 CLibCutSet *CMaterialLibrary::FindCutSet(const CLibKey &key)
 {
+    // A copy of the library shares the index until one of them writes.
+    m_cutSets.detach();
     return const_cast<CLibCutSet *>(std::as_const(*this).FindCutSet(key));
 }
 
@@ -348,6 +350,7 @@ const CLibSweepSet *CMaterialLibrary::FindSweepSet(const CLibKey &key) const
 
 CLibSweepSet *CMaterialLibrary::FindSweepSet(const CLibKey &key)
 {
+    m_sweepSets.detach();
     return const_cast<CLibSweepSet *>(std::as_const(*this).FindSweepSet(key));
 }
 

@@ -250,6 +250,8 @@ void walkPlaces(const CMaterialLibrary &first, const CMaterialLibrary &second, V
             }
             for (const QString &name : std::as_const(names)) {
                 key.material = name;
+                key.thickness = 0.0;
+                key.craft = 0;
                 const CLibMaterial *a = first.FindMaterial(tube, power, name);
                 const CLibMaterial *b = second.FindMaterial(tube, power, name);
                 visit(EPlace::Material, key, a == nullptr);

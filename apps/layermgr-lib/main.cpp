@@ -1,12 +1,17 @@
 // layermgr-lib: checks, rewrites and generates material library files.
 #include "factorytable.h"
+#include "library/clibrarystore.h"
 #include "library/crunningoptions.h"
 #include "library/librarydocument.h"
+#include "library/librarymerge.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTextStream>
 
 namespace {
@@ -22,10 +27,23 @@ const char kUsage[] =
     "                                manager does\n"
     "  generate TABLE SWATCHES OUT   build a library from a factory table (tab-separated)\n"
     "                                and its swatch pictures\n"
+    "  diff A B [--json]             list the parameter sets B adds to A, removes from\n"
+    "                                A and changes (field by field), in a stable order;\n"
+    "                                --json prints the same as JSON\n"
+    "  merge USER INCOMING OUT [--factory FILE] [--take-conflicts]\n"
+    "                                merge INCOMING into USER as an import does and\n"
+    "                                write OUT, printing one line per change; sets the\n"
+    "                                user changed from the factory library and INCOMING\n"
+    "                                changes otherwise are conflicts, kept as USER has\n"
+    "                                them unless --take-conflicts. The factory library\n"
+    "                                is FILE, else the one installed with the tool;\n"
+    "                                without a readable one every set of USER counts as\n"
+    "                                changed\n"
     "  --help                        show this text\n"
     "\n"
     "Exit status: 0 done, 1 the input is not usable or OUT cannot be written (nothing\n"
-    "is written then), 2 wrong arguments.\n";
+    "is written then), 2 wrong arguments. diff exits as diff(1) does: 0 the libraries\n"
+    "hold the same sets, 1 they differ, 2 trouble (wrong arguments, unreadable file).\n";
 
 QTextStream &out()
 {
@@ -132,6 +150,115 @@ int generate(const QString &tablePath, const QString &swatchDir, const QString &
     return 0;
 }
 
+QString placeText(const CLibKey &key, int depth)
+{
+    QString text = TubeTypeName(key.tube) + QLatin1Char(' ') + QString::number(key.power)
+        + QStringLiteral(" W");
+    if (depth > 0)
+        text += QStringLiteral(", ") + key.material;
+    if (depth > 1)
+        text += QStringLiteral(", ") + ThicknessKey(key.thickness);
+    if (depth > 2)
+        text += QStringLiteral(", ") + CraftName(key.craft);
+    return text;
+}
+
+int diff(const QString &pathA, const QString &pathB, bool json)
+{
+    CMaterialLibrary a;
+    CMaterialLibrary b;
+    for (const auto &[path, library] : {std::pair(pathA, &a), std::pair(pathB, &b)}) {
+        const LibraryReadResult read = ReadMaterialLibraryFile(path, *library);
+        if (!read.ok()) {
+            fail(path + QStringLiteral(": ") + read.reason());
+            return 2;
+        }
+    }
+    const std::vector<CLibDiffEntry> entries = DiffLibraries(a, b);
+    static const char *const kKinds[] = {"added", "removed", "changed"};
+    if (json) {
+        QJsonArray list;
+        for (const CLibDiffEntry &entry : entries) {
+            QJsonObject object{{QStringLiteral("kind"), QLatin1String(kKinds[entry.kind])},
+                               {QStringLiteral("tube"), TubeTypeName(entry.key.tube)},
+                               {QStringLiteral("power"), entry.key.power},
+                               {QStringLiteral("material"), entry.key.material},
+                               {QStringLiteral("thickness"), entry.key.thickness},
+                               {QStringLiteral("craft"), CraftName(entry.key.craft)}};
+            if (entry.kind == CLibDiffEntry::Changed) {
+                object.insert(QStringLiteral("field"), entry.caption);
+                object.insert(QStringLiteral("old"), entry.oldText);
+                object.insert(QStringLiteral("new"), entry.newText);
+            }
+            list.append(object);
+        }
+        const QJsonObject root{{QStringLiteral("equal"), entries.empty()},
+                               {QStringLiteral("differences"), list}};
+        out() << QString::fromUtf8(QJsonDocument(root).toJson(QJsonDocument::Indented));
+    } else {
+        for (const CLibDiffEntry &entry : entries) {
+            out() << kKinds[entry.kind] << ": " << placeText(entry.key, 3);
+            if (entry.kind == CLibDiffEntry::Changed)
+                out() << ": " << entry.caption << ' ' << entry.oldText << " -> " << entry.newText;
+            out() << '\n';
+        }
+    }
+    out().flush();
+    return entries.empty() ? 0 : 1;
+}
+
+int merge(const QString &userPath, const QString &incomingPath, const QString &outPath,
+          const QString &factoryPath, bool takeConflicts)
+{
+    CMaterialLibrary user;
+    const LibraryReadResult read = ReadMaterialLibraryFile(userPath, user);
+    if (!read.ok())
+        return fail(userPath + QStringLiteral(": ") + read.reason());
+    CMaterialLibrary incoming;
+    QString reason;
+    if (!importLibrary(incomingPath, incoming, &reason))
+        return fail(incomingPath + QStringLiteral(": ") + reason);
+    CMaterialLibrary factory;
+    if (!factoryPath.isEmpty()) {
+        const LibraryReadResult baseline = ReadMaterialLibraryFile(factoryPath, factory);
+        if (!baseline.ok())
+            return fail(factoryPath + QStringLiteral(": ") + baseline.reason());
+    } else {
+        const QString installed = CLibraryStore::FactoryLibraryPath();
+        if (!ReadMaterialLibraryFile(installed, factory).ok()) {
+            factory.Clear();
+            QTextStream(stderr) << "layermgr-lib: no factory library at " << installed
+                                << ": every set of " << userPath << " counts as changed"
+                                << Qt::endl;
+        }
+    }
+
+    CLibraryMerge merge(factory, user, incoming);
+    for (CLibMergeRow &row : merge.Rows()) {
+        if (row.conflict)
+            row.accepted = takeConflicts;
+    }
+    if (!writeLibrary(outPath, merge.Apply()))
+        return fail(outPath + QStringLiteral(": cannot write"));
+
+    static const char *const kKinds[] = {"new power", "new material", "new thickness", "new set",
+                                         "changed"};
+    static const int kDepth[] = {0, 1, 2, 3, 3};
+    for (const CLibMergeRow &row : merge.Rows()) {
+        const int kind = int(row.kind);
+        out() << kKinds[kind] << ": " << placeText(row.key, kDepth[kind]);
+        if (row.kind == ELibMergeKind::Field)
+            out() << ": " << row.caption << ' ' << row.oldText << " -> " << row.newText;
+        if (row.conflict)
+            out() << (row.accepted ? " (conflict, taken)" : " (conflict, kept)");
+        out() << '\n';
+    }
+    out() << merge.Rows().size() << " changes, " << merge.ConflictCount() << " conflicts "
+          << (takeConflicts ? "taken" : "kept") << '\n';
+    out().flush();
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -145,6 +272,39 @@ int main(int argc, char *argv[])
         out() << kUsage;
         out().flush();
         return 0;
+    }
+    // diff and merge take options besides their files.
+    if (command == QLatin1String("diff") || command == QLatin1String("merge")) {
+        const bool isDiff = command == QLatin1String("diff");
+        QStringList files;
+        QString factory;
+        bool json = false;
+        bool takeConflicts = false;
+        for (qsizetype i = 1; i < args.size(); ++i) {
+            const QString &arg = args.at(i);
+            if (isDiff && arg == QLatin1String("--json")) {
+                json = true;
+            } else if (!isDiff && arg == QLatin1String("--take-conflicts")) {
+                takeConflicts = true;
+            } else if (!isDiff && arg == QLatin1String("--factory")) {
+                if (++i == args.size())
+                    return usageError(QStringLiteral("--factory takes a file"));
+                factory = args.at(i);
+            } else if (arg.startsWith(QLatin1String("--"))) {
+                return usageError(command + QStringLiteral(": unknown option \"") + arg
+                                  + QLatin1Char('"'));
+            } else {
+                files.append(arg);
+            }
+        }
+        const int wanted = isDiff ? 2 : 3;
+        if (files.size() != wanted) {
+            return usageError(command + QStringLiteral(" takes ") + QString::number(wanted)
+                              + QStringLiteral(" files"));
+        }
+        if (isDiff)
+            return diff(files.at(0), files.at(1), json);
+        return merge(files.at(0), files.at(1), files.at(2), factory, takeConflicts);
     }
     struct Command
     {
