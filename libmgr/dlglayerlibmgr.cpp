@@ -8,11 +8,13 @@
 #include "dlglayerparamcut.h"
 #include "dlglayerparampresets.h"
 #include "dlglayerparamsweep.h"
+#include "dlglibrarymerge.h"
 #include "dlgtps.h"
 
 #include "layertable/dlglayermgr.h"
 #include "library/clayercontext.h"
 #include "library/librarydocument.h"
+#include "library/librarymerge.h"
 #include "library/pictureencoding.h"
 #include "module/clayermgrins.h"
 #include "module/layerlibrarysets.h"
@@ -998,7 +1000,26 @@ void DlgLayerLibMgr::on_pushButton_Import_clicked()
         box.exec();
         return;
     }
-    g_LayerContext.Store().BackupAndTakeOver(path);
+    CLibraryStore &store = g_LayerContext.Store();
+    CLibraryMerge merge(store.FactoryLibrary(), store.UserLibrary(), imported);
+    if (merge.IsEmpty()) {
+        ILog_WriteLogF(1, "Import of %s changes nothing", qPrintable(path));
+        CMsgBoxQss box(QMessageBox::Information, wording("Tips"),
+                       wording("The file changes nothing in your library."), QMessageBox::Yes,
+                       this);
+        box.exec();
+        return;
+    }
+    DlgLibraryMerge summary(&merge, this);
+    if (summary.exec() != QDialog::Accepted)
+        return;
+    if (!store.TakeMerged(merge.Apply())) {
+        CMsgBoxQss box(QMessageBox::Critical, wording("Tips"),
+                       wording("Import failed, the library could not be saved!"),
+                       QMessageBox::Yes, this);
+        box.exec();
+        return;
+    }
     refillMaterials();
     scheduleRefresh();
 }

@@ -166,6 +166,28 @@ bool CLibraryStore::BackupAndTakeOver(const QString &path)
     return Save();
 }
 
+bool CLibraryStore::TakeMerged(const CMaterialLibrary &merged)
+{
+    // A merge builds on what was read, so an unreadable file it would replace
+    // must not be overwritten without its backup.
+    if (m_userFileHeld && QFileInfo::exists(UserLibraryPath())) {
+        ILog_WriteLogF(3, "Library not merged: %s is unreadable and has no backup",
+                       qUtf8Printable(UserLibraryPath()));
+        return false;
+    }
+    if (BackUpUserLibrary().isEmpty() && QFileInfo::exists(UserLibraryPath()))
+        ILog_WriteLogF(3, "Library backup of %s failed", qUtf8Printable(UserLibraryPath()));
+    // The running options are not part of a merge: only "lm.json" is written,
+    // so a failure leaves memory and file as they were.
+    if (!WriteMaterialLibraryFile(UserLibraryPath(), merged)) {
+        ILog_WriteLogF(3, "Library not saved: cannot write %s", qUtf8Printable(UserLibraryPath()));
+        return false;
+    }
+    m_user = merged;
+    m_userFileHeld = false;
+    return true;
+}
+
 bool CLibraryStore::ReloadFactoryLibrary()
 {
     const LibraryReadResult read = ReadMaterialLibraryFile(FactoryLibraryPath(), m_factory);

@@ -53,6 +53,10 @@ public:
     // Import, restore defaults and the module's reload use it.
     bool BackupAndTakeOver(const QString &path);
     bool RestoreFactoryLibrary() { return BackupAndTakeOver(FactoryLibraryPath()); }
+    // Import: backs up "lm.json", then saves `merged` in place of the user
+    // library. False, with the user library in memory as it was, when
+    // "lm.json" could not be written.
+    bool TakeMerged(const CMaterialLibrary &merged);
     // Reads the factory library again into the second library.
     bool ReloadFactoryLibrary();
     // Export: the user library into any file, atomically.

@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QFileDialog>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -25,6 +26,7 @@ constexpr int kPollMilliseconds = 50;
 constexpr int kSettleMilliseconds = 250;
 
 const QString kLibraryManager = QStringLiteral("DlgLayerLibMgr");
+const QString kLibraryMerge = QStringLiteral("DlgLibraryMerge");
 
 bool isDialog(const QWidget *widget, const QString &name)
 {
@@ -162,7 +164,13 @@ QStringList CDialogShooter::DialogNames()
             QStringLiteral("DlgLayerAddThickness"),
             QStringLiteral("DlgTps"),
             QStringLiteral("DlgLayerParamCut"),
-            QStringLiteral("DlgLayerParamSweep")};
+            QStringLiteral("DlgLayerParamSweep"),
+            kLibraryMerge};
+}
+
+bool CDialogShooter::UsesPrivateData(const QString &dialog)
+{
+    return dialog == kLibraryMerge;
 }
 
 void CDialogShooter::buildSteps(const QString &dialog)
@@ -192,6 +200,20 @@ void CDialogShooter::buildSteps(const QString &dialog)
                     }},
                    {kLibraryManager, editParameter},
                    {kLibraryManager, [](QWidget *d) { return pressButton(d, "pushButton_ok"); }},
+                   {dialog, grabTop}};
+    } else if (dialog == kLibraryMerge) {
+        m_steps = {{kLibraryManager, [](QWidget *d) { return pressButton(d, "pushButton_Import"); }},
+                   {QStringLiteral("QFileDialog"),
+                    [this](QWidget *d) {
+                        auto *files = qobject_cast<QFileDialog *>(d);
+                        files->selectFile(m_importFile);
+                        // Typed, as a user would, when the folder has not been read yet.
+                        auto *name = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+                        if (files->selectedFiles().isEmpty() && name)
+                            name->setText(m_importFile);
+                        QMetaObject::invokeMethod(files, "accept");
+                        return QString();
+                    }},
                    {dialog, grabTop}};
     } else if (dialog == QLatin1String("DlgLayerParamCut")
                || dialog == QLatin1String("DlgLayerParamSweep")) {

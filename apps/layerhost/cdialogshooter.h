@@ -23,6 +23,11 @@ public:
                    QObject *parent = nullptr);
 
     static QStringList DialogNames();
+    // The import summary needs a library the user changed and a file to
+    // import: the host gives it a data folder of its own, so the picture
+    // never touches the user's library, and the sample file (mergesample.h).
+    static bool UsesPrivateData(const QString &dialog);
+    void SetImportFile(const QString &file) { m_importFile = file; }
     void Start();
 
 signals:
@@ -46,6 +51,7 @@ private:
 
     QWidget *m_panel;
     QString m_file;
+    QString m_importFile;
     QList<Step> m_steps;
     QTimer m_poll;
     QElapsedTimer m_waiting;  // since the current step began

@@ -7,6 +7,7 @@
 #include "cmainwindow.h"
 #include "hostwording.h"
 #include "layertableprinter.h"
+#include "mergesample.h"
 
 #include "ctranslator.h"
 #include "cuipermissionsmanager.h"
@@ -17,13 +18,16 @@
 #include <QBuffer>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QStandardPaths>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 #include <QTextStream>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
@@ -204,14 +208,26 @@ int main(int argc, char *argv[])
 
     if (parser.isSet(languageOption))
         CTranslator::GetInstance()->SetLanguage(parser.value(languageOption));
+    QString error;
+    std::unique_ptr<QTemporaryDir> privateData;
+    if (dialogShot && CDialogShooter::UsesPrivateData(dialog)) {
+        privateData = std::make_unique<QTemporaryDir>();
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(privateData->path()));
+    }
     const QString dataDir = hostDataDir() + QStringLiteral("/Data");
     if (!QDir().mkpath(dataDir))
         return fail(EXIT_OUTPUT, QStringLiteral("layerhost"),
                     Wording("Cannot create the data folder %1").arg(dataDir));
+    const QString importSample = privateData ? privateData->filePath(QStringLiteral("sample.json"))
+                                             : QString();
+    if (privateData
+        && !WriteMergeSample(QCoreApplication::applicationDirPath()
+                                 + QStringLiteral("/../Resources/Data/defaultMaterial.json"),
+                             dataDir, importSample, &error))
+        return fail(EXIT_OUTPUT, QStringLiteral("layerhost"), error);
     ILog_SetLogFile(hostDataDir() + QStringLiteral("/layerhost.log"));
 
     CMainWindow window;
-    QString error;
     if (!window.LoadPlugin(QStringLiteral("libLayerMgr.so"), &error))
         return fail(EXIT_PLUGIN, QStringLiteral("layerhost"),
                     Wording("Cannot load the LayerMgr plug-in: %1").arg(error));
@@ -250,6 +266,7 @@ int main(int argc, char *argv[])
         for (int i = 0; i < 5; ++i)
             QCoreApplication::processEvents();
         CDialogShooter shooter(window.PanelHost(), dialog, dialogFile);
+        shooter.SetImportFile(importSample);
         QString shotError;
         QObject::connect(&shooter, &CDialogShooter::SigFinished, &app,
                          [&shotError](int code, const QString &message) {

@@ -120,7 +120,8 @@ private slots:
     void dialogScreenshots_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        for (const char *dialog : {"DlgLayerLibMgr", "DlgOne", "DlgTps", "DlgLayerParamSweep"})
+        for (const char *dialog :
+             {"DlgLayerLibMgr", "DlgOne", "DlgTps", "DlgLayerParamSweep", "DlgLibraryMerge"})
             QTest::newRow(dialog) << QStringList{QString::fromLatin1(dialog)};
         QTest::newRow("in Chinese") << QStringList{"DlgLayerAddThickness", "--language", "Chs"};
     }

@@ -6,6 +6,7 @@
 #include "libmgr/dlglayerlibmgr.h"
 #include "libmgr/dlglayerparamcut.h"
 #include "libmgr/dlglayerparampresets.h"
+#include "libmgr/dlglibrarymerge.h"
 #include "libmgr/dlgtps.h"
 #include "library/clayercontext.h"
 #include "library/librarydocument.h"
@@ -402,13 +403,19 @@ private slots:
         });
         if (!valid)
             answerBox(QMessageBox::Yes, &message);
+        else
+            whenModal<DlgLibraryMerge>([](DlgLibraryMerge *merge) {
+                merge->findChild<QPushButton *>(QStringLiteral("pushButton_save"))->click();
+            });
         f.click("pushButton_Import");
         QCOMPARE(message,
                  valid ? QString() : QStringLiteral("Import failed, invalid parameter file!"));
         QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == before, !valid);
+        // A valid file is merged: the user's materials stay, the file's follow.
         QCOMPARE(f.user().MaterialNames(0, 80),
-                 valid ? QStringList{"Cork"} : kMaterials);
-        QCOMPARE(f.child<QComboBox>("comboBox_Material")->itemText(0), valid ? "Cork" : "Plywood");
+                 valid ? kMaterials + QStringList{"Cork"} : kMaterials);
+        QCOMPARE(f.child<QComboBox>("comboBox_Material")->itemText(valid ? 3 : 0),
+                 valid ? "Cork" : "Plywood");
     }
 
     void restoreDefaults_data()
