@@ -9,9 +9,7 @@
 #include "ilog.h"
 
 #include <QEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
-#include <QScreen>
 #include <QStyle>
 
 #include <algorithm>
@@ -110,12 +108,7 @@ void DlgLibraryMerge::fitColumns()
     }
     wanted += view->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view);
     const int missing = wanted - view->width();
-    if (missing <= 0)
-        return;
-    int target = width() + missing;
-    if (const QScreen *screen = QGuiApplication::primaryScreen())
-        target = std::min(target, screen->availableGeometry().width());
-    resize(std::max(target, width()), height());
+    GrowWidth(missing);
 }
 
 void DlgLibraryMerge::on_pushButton_save_clicked()

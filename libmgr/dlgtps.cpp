@@ -5,9 +5,7 @@
 #include "ilog.h"
 
 #include <QEvent>
-#include <QGuiApplication>
 #include <QHeaderView>
-#include <QScreen>
 #include <QTreeWidget>
 #include <QTreeWidgetItem>
 
@@ -97,12 +95,7 @@ void DlgTps::fitColumns()
         }
     }
     const int missing = fixed + widest * stretched - tree->viewport()->width();
-    if (missing <= 0)
-        return;
-    int target = width() + missing;
-    if (const QScreen *screen = QGuiApplication::primaryScreen())
-        target = std::min(target, screen->availableGeometry().width());
-    resize(std::max(target, width()), height());
+    GrowWidth(missing);
 }
 
 void DlgTps::AddRow(const QStringList &texts)

@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QScreen>
 
+#include <algorithm>
+
 BaseDialog::BaseDialog(QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::WindowCloseButtonHint)
 {}
@@ -18,4 +20,14 @@ void BaseDialog::showEvent(QShowEvent *event)
         }
     }
     QDialog::showEvent(event);
+}
+
+void BaseDialog::GrowWidth(int missing)
+{
+    if (missing <= 0)
+        return;
+    int target = width() + missing;
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        target = std::min(target, screen->availableGeometry().width());
+    resize(std::max(target, width()), height());
 }

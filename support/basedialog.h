@@ -16,6 +16,9 @@ public:
 
 protected:
     void showEvent(QShowEvent *event) override;
+    // Widens the dialog by `missing` pixels, as far as the screen allows, so
+    // that a table shows its widest texts whole.
+    void GrowWidth(int missing);
 
 private:
     bool m_centerOnShow = true;
