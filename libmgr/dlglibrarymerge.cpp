@@ -12,7 +12,6 @@
 #include <QHeaderView>
 #include <QStyle>
 
-#include <algorithm>
 
 namespace {
 
