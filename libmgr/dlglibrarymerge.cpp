@@ -12,7 +12,6 @@
 #include <QHeaderView>
 #include <QStyle>
 
-
 namespace {
 
 // Rows measured when the columns are fitted (about 0.1 s per thousand):
