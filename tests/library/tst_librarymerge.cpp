@@ -62,6 +62,39 @@ bool hasRow(const CLibraryMerge &merge, const CLibDiffEntry &change, bool confli
     });
 }
 
+// Whether the user changed the set filed under the key (it differs from the
+// factory's, or the factory lacks it), and whether `kept` still holds the
+// user's set; for every kind of set.
+template <typename Find>
+std::pair<bool, bool> userChange(const CMaterialLibrary &factory, const CMaterialLibrary &user,
+                                 const CMaterialLibrary &kept, const CLibKey &key, Find find)
+{
+    const auto *mine = find(user, key);
+    if (!mine)
+        return {false, true};
+    const auto *base = find(factory, key);
+    const auto *now = find(kept, key);
+    return {!base || !SameSetFields(*base, *mine), now && SameSetFields(*now, *mine)};
+}
+
+std::pair<bool, bool> userChange(const CMaterialLibrary &factory, const CMaterialLibrary &user,
+                                 const CMaterialLibrary &kept, const CLibKey &key)
+{
+    if (IsCutCraft(key.craft)) {
+        return userChange(factory, user, kept, key, [](const CMaterialLibrary &l, const CLibKey &k) {
+            return l.FindCutSet(k);
+        });
+    }
+    if (IsSweepCraft(key.craft)) {
+        return userChange(factory, user, kept, key, [](const CMaterialLibrary &l, const CLibKey &k) {
+            return l.FindSweepSet(k);
+        });
+    }
+    return userChange(factory, user, kept, key, [](const CMaterialLibrary &l, const CLibKey &k) {
+        return l.FindMarkSet(k);
+    });
+}
+
 // Small libraries with few values, so that edits collide often.
 void addRandomSets(CMaterialLibrary &library, const CLibMaterial &m, QRandomGenerator &rng)
 {
@@ -213,12 +246,9 @@ private slots:
             // conflict where the user's stays by default); nothing is removed.
             for (const CLibDiffEntry &change : DiffLibraries(user, taken)) {
                 QVERIFY2(change.kind != CLibDiffEntry::Removed, context);
-                const CLibCutSet *base = factory.FindCutSet(change.key);
-                const CLibCutSet *mine = user.FindCutSet(change.key);
-                const bool changedByUser = mine && (!base || !SameSetFields(*base, *mine));
+                const auto [changedByUser, userKept] = userChange(factory, user, kept, change.key);
                 QVERIFY2(hasRow(merge, change, changedByUser), context);
-                if (changedByUser)
-                    QVERIFY2(SameSetFields(*kept.FindCutSet(change.key), *mine), context);
+                QVERIFY2(!changedByUser || userKept, context);
             }
             // Against the file, only the kept conflicts still differ.
             for (const CLibDiffEntry &change : DiffLibraries(kept, incoming)) {
