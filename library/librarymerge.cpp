@@ -279,8 +279,7 @@ void walkPlaces(const CMaterialLibrary &first, const CMaterialLibrary &second, V
     }
 }
 
-// Calls `fields(a, b, conflict-free index list)` style comparisons uniformly
-// for the three kinds of set found under a key in two libraries.
+// The sets two libraries file under one key, whichever kind the craft is.
 struct SetPair
 {
     const CLibCutSet *cutA = nullptr;
@@ -549,7 +548,7 @@ CMaterialLibrary CLibraryMerge::Apply() const
                 if (from && row.field >= 0 && size_t(row.field) < SweepSetFields().size())
                     SweepSetFields()[size_t(row.field)].copy(*to, *from);
             } else if (const CLibMarkSet *to = result.FindMarkSet(key)) {
-                // Mark sets are reached by look-up only; replace the whole set.
+                // A mark set is only read through a const look-up: store a copy.
                 if (const CLibMarkSet *from = m_incoming.FindMarkSet(key)) {
                     CLibMarkSet set = *to;
                     set.note = from->note;
