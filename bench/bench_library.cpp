@@ -1,9 +1,10 @@
 // The material library: read and write beside Qt's own JSON parse and
-// serialisation of the same document, and the look-ups the library manager
-// makes on every click.
+// serialisation of the same document, the look-ups the library manager
+// makes on every click, and merging a shared file beside reading the two.
 #include "benchsupport.h"
 
 #include "library/librarydocument.h"
+#include "library/librarymerge.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -117,6 +118,86 @@ void listThicknesses(benchmark::State &state)
     }
 }
 
+// A shared file against the user's library: the user changed every 97th
+// cut set, the file every 13th (some of them the same) and adds ten
+// materials with their sets.
+struct MergeInput
+{
+    CMaterialLibrary user;
+    CMaterialLibrary incoming;
+    QByteArray userBytes;
+    QByteArray incomingBytes;
+};
+
+const MergeInput &mergeInput()
+{
+    static const MergeInput input = [] {
+        MergeInput in;
+        in.user = largeLibrary();
+        in.incoming = largeLibrary();
+        const std::vector<CLibCutSet> cuts = largeLibrary().CutSets();
+        for (size_t i = 0; i < cuts.size(); ++i) {
+            CLibCutSet set = cuts[i];
+            if (i % 97 == 0) {
+                set.speed += 1;
+                in.user.SetCutSet(set);
+            }
+            if (i % 13 == 0) {
+                set.speed += 2;
+                set.note = QStringLiteral("shared");
+                in.incoming.SetCutSet(set);
+            }
+        }
+        for (int m = 0; m < 10; ++m) {
+            CLibMaterial material = *largeLibrary().FindMaterial(2, 60, materialName(m));
+            material.name += QStringLiteral(" (shared)");
+            in.incoming.AddMaterial(material);
+            for (const CLibCutSet &cut : cuts) {
+                if (cut.key.tube != 2 || cut.key.power != 60 || cut.key.material != materialName(m))
+                    continue;
+                CLibCutSet copy = cut;
+                copy.key.material = material.name;
+                in.incoming.SetCutSet(copy);
+            }
+        }
+        in.userBytes = QJsonDocument(MaterialLibraryToJson(in.user)).toJson();
+        in.incomingBytes = QJsonDocument(MaterialLibraryToJson(in.incoming)).toJson();
+        return in;
+    }();
+    return input;
+}
+
+// Compare with the factory library as the baseline, then apply what is
+// ticked by default.
+void merge(benchmark::State &state)
+{
+    const MergeInput &in = mergeInput();
+    size_t rows = 0;
+    for (auto _ : state) {
+        const CLibraryMerge merge(largeLibrary(), in.user, in.incoming);
+        const CMaterialLibrary merged = merge.Apply();
+        rows = merge.Rows().size();
+        benchmark::DoNotOptimize(merged.CutSetCount());
+    }
+    state.counters["rows"] = double(rows);
+    state.counters["sets"] = double(in.incoming.CutSetCount() + in.incoming.SweepSetCount());
+}
+
+// Reading the two files the merge compares.
+void mergeFloor(benchmark::State &state)
+{
+    QByteArray bytes[2] = {mergeInput().userBytes, mergeInput().incomingBytes};
+    for (auto _ : state) {
+        for (QByteArray &document : bytes) {
+            QBuffer buffer(&document);
+            buffer.open(QIODevice::ReadOnly);
+            CMaterialLibrary library;
+            ReadMaterialLibrary(&buffer, library);
+            benchmark::DoNotOptimize(library.CutSetCount());
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -142,7 +223,10 @@ int main(int argc, char **argv)
         ->Unit(benchmark::kNanosecond)
         ->Repetitions(7)
         ->ReportAggregatesOnly(true);
+    benchmark::RegisterBenchmark("LibraryMerge", merge)->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("LibraryMerge/floor", mergeFloor)->Unit(benchmark::kMillisecond);
     SetTarget("LibraryLoad", 2.0);
+    SetTarget("LibraryMerge", 2.0);
     SetTarget("LibrarySave", 1.5);
     return RunBenchmarksWithFloors(argc, argv);
 }

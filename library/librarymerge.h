@@ -36,7 +36,10 @@ struct CLibSetField
 
     // laserSuffix adds "-Laser1"/"-Laser2" to per-laser fields.
     QString Caption(bool laserSuffix = true, bool translate = true) const;
-    QString Text(const Set &set, bool translate = true) const { return text(set, format, translate); }
+    QString Text(const Set &set, bool translate = true) const
+    {
+        return text(set, format, translate);
+    }
 };
 
 const std::vector<CLibSetField<CLibCutSet>> &CutSetFields();
