@@ -17,12 +17,12 @@
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 
 namespace {
 
 // Runs `act` on the next modal window of type T once it shows (five seconds at most).
-template <typename T> void whenModal(std::function<void(T *)> act)
+template<typename T>
+void whenModal(std::function<void(T *)> act)
 {
     auto *timer = new QTimer;
     timer->setInterval(5);
@@ -61,50 +61,12 @@ double speedIn(const CMaterialLibrary &library, const char *material)
     return set ? set->speed : -1;
 }
 
-struct Fixture
-{
-    Fixture()
-    {
-        QDir().mkpath(env.resourceDir() + QStringLiteral("/Data"));
-        WriteMaterialLibraryFile(env.resourceDir() + QStringLiteral("/Data/defaultMaterial.json"),
-                                 factoryLibrary());
-        store().Load();
-        // The user's own plywood speed.
-        store().UserLibrary().SetCutSet(cutSet(QStringLiteral("Plywood"), 99));
-        store().Save();
-        before = env.readFile(QStringLiteral("lm.json"));
-        manager.AddLayer(new CLayerParam(0xFF0000));
-        dialog = std::make_unique<DlgLayerLibMgr>(manager.GetLayerAt(0), nullptr);
-        dialog->Fill(&manager, 0);
-        dialog->show();
-    }
-    static CLibraryStore &store() { return g_LayerContext.Store(); }
-    void import(const CMaterialLibrary &file)
-    {
-        const QString path = env.root() + QStringLiteral("/import.json");
-        QVERIFY(WriteMaterialLibraryFile(path, file));
-        whenModal<QFileDialog>([path](QFileDialog *files) {
-            files->selectFile(path);
-            QMetaObject::invokeMethod(files, "accept");
-        });
-        dialog->findChild<QPushButton *>(QStringLiteral("pushButton_Import"))->click();
-    }
-    int backups() const
-    {
-        return int(QDir(CLibraryStore::BackupDir()).entryList(QDir::Files).size());
-    }
-
-    TestEnvironment env;
-    QByteArray before;
-    CLayerMgrIns manager{nullptr};
-    std::unique_ptr<DlgLayerLibMgr> dialog;
-};
-
 // Row of the merge table whose material and parameter name are these.
-int rowOf(const QAbstractItemModel *model, const QString &material, const QString &caption)
+int rowOf(const QAbstractItemModel *model, const char *material, const char *caption)
 {
     for (int row = 0; row < model->rowCount(); ++row) {
-        if (model->index(row, 2).data() == material && model->index(row, 5).data() == caption)
+        if (model->index(row, 2).data() == QLatin1String(material)
+            && model->index(row, 5).data() == QLatin1String(caption))
             return row;
     }
     return -1;
@@ -117,82 +79,100 @@ class tst_DlgLibraryMerge : public QObject
     Q_OBJECT
 
 private slots:
-    void merge_data()
+    void import_data()
     {
+        QTest::addColumn<bool>("changes");
         QTest::addColumn<bool>("tickConflict");
         QTest::addColumn<bool>("untickAutomatic");
         QTest::addColumn<QString>("button");
         QTest::addColumn<double>("plywood");
         QTest::addColumn<double>("acrylic");
+        QTest::addColumn<QStringList>("shown");
+        // Plywood and acrylic speeds, cork's material, thickness and set.
+        const QStringList offered{"5 changes, 1 conflicts, 4 ticked", "Conflict", "0", "2"};
         QTest::newRow("as offered: the conflict keeps the user's value")
-            << false << false << "pushButton_save" << 99.0 << 77.0;
+            << true << false << false << "pushButton_save" << 99.0 << 77.0 << offered;
         QTest::newRow("conflict ticked takes the file's value")
-            << true << false << "pushButton_save" << 50.0 << 77.0;
+            << true << true << false << "pushButton_save" << 50.0 << 77.0 << offered;
         QTest::newRow("automatic row unticked keeps the old value")
-            << false << true << "pushButton_save" << 99.0 << 33.0;
+            << true << false << true << "pushButton_save" << 99.0 << 33.0 << offered;
         QTest::newRow("cancel writes nothing")
-            << true << false << "pushButton_cancel" << 99.0 << 33.0;
+            << true << true << false << "pushButton_cancel" << 99.0 << 33.0 << offered;
+        QTest::newRow("file changes nothing: one line, nothing written")
+            << false << false << false << QString() << 99.0 << 33.0
+            << QStringList{"The file changes nothing in your library."};
     }
-    void merge()
+    void import()
     {
+        QFETCH(bool, changes);
         QFETCH(bool, tickConflict);
         QFETCH(bool, untickAutomatic);
         QFETCH(QString, button);
         QFETCH(double, plywood);
         QFETCH(double, acrylic);
-        Fixture f;
+        QFETCH(QStringList, shown);
+        TestEnvironment env;
+        QDir().mkpath(env.resourceDir() + QStringLiteral("/Data"));
+        WriteMaterialLibraryFile(env.resourceDir() + QStringLiteral("/Data/defaultMaterial.json"),
+                                 factoryLibrary());
+        CLibraryStore &store = g_LayerContext.Store();
+        store.Load();
+        // The user's own plywood speed.
+        store.UserLibrary().SetCutSet(cutSet(QStringLiteral("Plywood"), 99));
+        store.Save();
+        const QByteArray before = env.readFile(QStringLiteral("lm.json"));
+        // Without changes the file holds what the user library holds.
         CMaterialLibrary file = factoryLibrary();
-        file.SetCutSet(cutSet(QStringLiteral("Plywood"), 50));
-        file.SetCutSet(cutSet(QStringLiteral("Acrylic"), 77));
-        file.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {3.0}});
-        file.SetCutSet(cutSet(QStringLiteral("Cork"), 12));
-        QStringList shown;
-        whenModal<DlgLibraryMerge>([&](DlgLibraryMerge *merge) {
-            QAbstractItemModel *model = merge->findChild<QTableView *>()->model();
-            const int conflict = rowOf(model, QStringLiteral("Plywood"), QStringLiteral("Speed"));
-            const int automatic = rowOf(model, QStringLiteral("Acrylic"), QStringLiteral("Speed"));
-            shown << merge->findChild<QLabel *>(QStringLiteral("label_count"))->text()
-                  << model->index(conflict, 0).data().toString()
-                  << model->index(conflict, 0).data(Qt::CheckStateRole).toString()
-                  << model->index(automatic, 0).data(Qt::CheckStateRole).toString();
-            if (tickConflict)
-                model->setData(model->index(conflict, 0), Qt::Checked, Qt::CheckStateRole);
-            if (untickAutomatic)
-                model->setData(model->index(automatic, 0), Qt::Unchecked, Qt::CheckStateRole);
-            merge->findChild<QPushButton *>(button)->click();
+        file.SetCutSet(cutSet(QStringLiteral("Plywood"), changes ? 50 : 99));
+        QStringList seen;
+        if (changes) {
+            file.SetCutSet(cutSet(QStringLiteral("Acrylic"), 77));
+            file.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {3.0}});
+            file.SetCutSet(cutSet(QStringLiteral("Cork"), 12));
+            whenModal<DlgLibraryMerge>([&](DlgLibraryMerge *merge) {
+                QAbstractItemModel *model = merge->findChild<QTableView *>()->model();
+                const int conflict = rowOf(model, "Plywood", "Speed");
+                const int automatic = rowOf(model, "Acrylic", "Speed");
+                seen << merge->findChild<QLabel *>(QStringLiteral("label_count"))->text()
+                     << model->index(conflict, 0).data().toString()
+                     << model->index(conflict, 0).data(Qt::CheckStateRole).toString()
+                     << model->index(automatic, 0).data(Qt::CheckStateRole).toString();
+                if (tickConflict)
+                    model->setData(model->index(conflict, 0), Qt::Checked, Qt::CheckStateRole);
+                if (untickAutomatic)
+                    model->setData(model->index(automatic, 0), Qt::Unchecked, Qt::CheckStateRole);
+                merge->findChild<QPushButton *>(button)->click();
+            });
+        } else {
+            whenModal<QMessageBox>([&seen](QMessageBox *box) {
+                seen << box->text();
+                box->button(QMessageBox::Yes)->click();
+            });
+        }
+        const QString path = env.root() + QStringLiteral("/import.json");
+        QVERIFY(WriteMaterialLibraryFile(path, file));
+        whenModal<QFileDialog>([path](QFileDialog *files) {
+            files->selectFile(path);
+            QMetaObject::invokeMethod(files, "accept");
         });
-        f.import(file);
-        // Plywood and acrylic speeds, cork's material, thickness and set.
-        QCOMPARE(shown, (QStringList{"5 changes, 1 conflicts, 4 ticked", "Conflict", "0", "2"}));
+        CLayerMgrIns manager(nullptr);
+        manager.AddLayer(new CLayerParam(0xFF0000));
+        DlgLayerLibMgr dialog(manager.GetLayerAt(0), nullptr);
+        dialog.Fill(&manager, 0);
+        dialog.show();
+        dialog.findChild<QPushButton *>(QStringLiteral("pushButton_Import"))->click();
+        QCOMPARE(seen, shown);
         const bool saved = button == "pushButton_save";
-        QCOMPARE(f.backups(), saved ? 1 : 0);
-        QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == f.before, !saved);
+        QCOMPARE(QDir(CLibraryStore::BackupDir()).entryList(QDir::Files).size(), saved ? 1 : 0);
+        QCOMPARE(env.readFile(QStringLiteral("lm.json")) == before, !saved);
         CMaterialLibrary written;
         QVERIFY(ReadMaterialLibraryFile(CLibraryStore::UserLibraryPath(), written).ok());
         QCOMPARE(speedIn(written, "Plywood"), plywood);
         QCOMPARE(speedIn(written, "Acrylic"), acrylic);
         QCOMPARE(speedIn(written, "Cork"), saved ? 12.0 : -1.0);
-        QCOMPARE(written, f.store().UserLibrary());
-        QCOMPARE(f.env.logLines().contains(QStringLiteral("0|tableView was changed.")),
+        QCOMPARE(written, store.UserLibrary());
+        QCOMPARE(env.logLines().contains(QStringLiteral("0|tableView was changed.")),
                  tickConflict || untickAutomatic);
-    }
-
-    void nothingToMerge()
-    {
-        Fixture f;
-        QString message;
-        whenModal<QMessageBox>([&message](QMessageBox *box) {
-            message = box->text();
-            box->button(QMessageBox::Yes)->click();
-        });
-        // The user's own library, and the factory's sets it already has.
-        CMaterialLibrary file = factoryLibrary();
-        file.SetCutSet(cutSet(QStringLiteral("Plywood"), 99));
-        file.RemoveMaterial(0, 80, QStringLiteral("Acrylic"));
-        f.import(file);
-        QCOMPARE(message, QStringLiteral("The file changes nothing in your library."));
-        QCOMPARE(f.env.readFile(QStringLiteral("lm.json")), f.before);
-        QCOMPARE(f.backups(), 0);
     }
 };
 
