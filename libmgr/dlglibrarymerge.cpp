@@ -66,7 +66,7 @@ void DlgLibraryMerge::retranslate()
 
 void DlgLibraryMerge::updateCount()
 {
-    ui->label_count->setText(wording("%1 changes, %2 conflicts, %3 ticked")
+    ui->label_count->setText(wording("Changes: %1, conflicts: %2, ticked: %3")
                                  .arg(m_model->rowCount())
                                  .arg(m_merge->ConflictCount())
                                  .arg(m_model->TickedCount()));

@@ -89,7 +89,7 @@ private slots:
         QTest::addColumn<double>("acrylic");
         QTest::addColumn<QStringList>("shown");
         // Plywood and acrylic speeds, cork's material, thickness and set.
-        const QStringList offered{"5 changes, 1 conflicts, 4 ticked", "Conflict", "0", "2"};
+        const QStringList offered{"Changes: 5, conflicts: 1, ticked: 4", "Conflict", "0", "2"};
         QTest::newRow("as offered: the conflict keeps the user's value")
             << true << false << false << "pushButton_save" << 99.0 << 77.0 << offered;
         QTest::newRow("conflict ticked takes the file's value")
