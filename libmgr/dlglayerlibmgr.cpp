@@ -40,8 +40,6 @@
 namespace {
 
 const QString kGroup = QStringLiteral("DLG_LIB_MGR");
-const char *const kCraftTexts[kLibCraftCount] = {"Cutting", "Scoring", "Shallow Engrave",
-                                                 "Deep Engrave", "Mark"};
 constexpr QSize kLayerIconSize(100, 50);
 
 QString wording(const char *text)
@@ -51,7 +49,7 @@ QString wording(const char *text)
 
 QString craftText(int craft)
 {
-    return craft >= 0 && craft < int(kLibCraftCount) ? wording(kCraftTexts[craft]) : QString();
+    return craft >= 0 ? MergeCraftText(quint32(craft)) : QString();
 }
 
 QString thicknessText(double thickness)

@@ -438,7 +438,12 @@ bool SameSetFields(const CLibMarkSet &a, const CLibMarkSet &b)
 
 QString MergeCraftText(quint32 craft)
 {
-    return CTranslator::GetInstance()->GetWording(CraftName(craft));
+    // The names the layer table and the library manager show, not the file's.
+    static const char *const kTexts[kLibCraftCount] = {"Cutting", "Scoring", "Shallow Engrave",
+                                                       "Deep Engrave", "Mark"};
+    return craft < kLibCraftCount
+        ? CTranslator::GetInstance()->GetWording(QLatin1String(kTexts[craft]))
+        : QString();
 }
 
 CLibraryMerge::CLibraryMerge(const CMaterialLibrary &factory, const CMaterialLibrary &user,

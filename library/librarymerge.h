@@ -88,7 +88,9 @@ struct CLibMergeRow
 };
 
 // Material, thickness and craft texts for a summary's first columns.
-QString MergeCraftText(quint32 craft); // translated craft name
+// The translated process name users know from the layer table; empty for an
+// unknown craft.
+QString MergeCraftText(quint32 craft);
 
 class CLibraryMerge
 {

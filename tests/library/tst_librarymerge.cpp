@@ -179,7 +179,7 @@ private slots:
             << QStringList{"power 100  0 Cutting Power:  > 100",
                            "material 100 Oak 0 Cutting Material:  > Oak",
                            "thickness 100 Oak 2 Cutting Thickness:  > 2",
-                           "set 100 Oak 2 Tracing Parameters:  > Tracing"}
+                           "set 100 Oak 2 Tracing Parameters:  > Scoring"}
             << Edit([](CMaterialLibrary &l) {
                    l.AddPower(2, 100, true);
                    oak(l);
