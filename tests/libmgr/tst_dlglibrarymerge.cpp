@@ -84,6 +84,7 @@ private slots:
         QTest::addColumn<bool>("changes");
         QTest::addColumn<bool>("tickConflict");
         QTest::addColumn<bool>("untickAutomatic");
+        QTest::addColumn<QString>("press"); // after the ticks, before the last button
         QTest::addColumn<QString>("button");
         QTest::addColumn<double>("plywood");
         QTest::addColumn<double>("acrylic");
@@ -91,15 +92,20 @@ private slots:
         // Plywood and acrylic speeds, cork's material, thickness and set.
         const QStringList offered{"Changes: 5, conflicts: 1, ticked: 4", "Conflict", "0", "2"};
         QTest::newRow("as offered: the conflict keeps the user's value")
-            << true << false << false << "pushButton_save" << 99.0 << 77.0 << offered;
+            << true << false << false << "" << "pushButton_save" << 99.0 << 77.0 << offered;
         QTest::newRow("conflict ticked takes the file's value")
-            << true << true << false << "pushButton_save" << 50.0 << 77.0 << offered;
+            << true << true << false << "" << "pushButton_save" << 50.0 << 77.0 << offered;
         QTest::newRow("automatic row unticked keeps the old value")
-            << true << false << true << "pushButton_save" << 99.0 << 33.0 << offered;
+            << true << false << true << "" << "pushButton_save" << 99.0 << 33.0 << offered;
+        QTest::newRow("tick all takes every value") << true << false << true << "pushButton_tickAll"
+                                                    << "pushButton_save" << 50.0 << 77.0 << offered;
+        QTest::newRow("untick conflicts keeps the user's value")
+            << true << true << false << "pushButton_untickConflicts" << "pushButton_save" << 99.0
+            << 77.0 << offered;
         QTest::newRow("cancel writes nothing")
-            << true << true << false << "pushButton_cancel" << 99.0 << 33.0 << offered;
+            << true << true << false << "" << "pushButton_cancel" << 99.0 << 33.0 << offered;
         QTest::newRow("file changes nothing: one line, nothing written")
-            << false << false << false << QString() << 99.0 << 33.0
+            << false << false << false << "" << QString() << 99.0 << 33.0
             << QStringList{"The file changes nothing in your library."};
     }
     void import()
@@ -107,6 +113,7 @@ private slots:
         QFETCH(bool, changes);
         QFETCH(bool, tickConflict);
         QFETCH(bool, untickAutomatic);
+        QFETCH(QString, press);
         QFETCH(QString, button);
         QFETCH(double, plywood);
         QFETCH(double, acrylic);
@@ -141,6 +148,8 @@ private slots:
                     model->setData(model->index(conflict, 0), Qt::Checked, Qt::CheckStateRole);
                 if (untickAutomatic)
                     model->setData(model->index(automatic, 0), Qt::Unchecked, Qt::CheckStateRole);
+                if (!press.isEmpty())
+                    merge->findChild<QPushButton *>(press)->click();
                 merge->findChild<QPushButton *>(button)->click();
             });
         } else {
