@@ -24,18 +24,28 @@ inline void click(const QObject *parent, const QString &button)
     child<QAbstractButton>(parent, button)->click();
 }
 
-// Runs `act` on the modal widget of type T once one shows; the poll dies with
-// `context`, so a box that never came leaves nothing behind.
+// Runs `act` on the modal widget of type T once one shows. The poll stops
+// after five seconds, or with `context`, so a box that never came cannot
+// answer a later test's.
 template <typename T> void whenModal(QObject *context, std::function<void(T *)> act)
 {
     auto *poll = new QTimer(context);
-    QObject::connect(poll, &QTimer::timeout, poll, [poll, act] {
-        if (auto *widget = qobject_cast<T *>(QApplication::activeModalWidget())) {
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, act, tries = 0]() mutable {
+        auto *widget = qobject_cast<T *>(QApplication::activeModalWidget());
+        if (widget || ++tries > 500) {
+            // Stopped first: `act` may run a nested event loop.
+            poll->stop();
             poll->deleteLater();
-            act(widget);
         }
+        if (widget)
+            act(widget);
     });
     poll->start(10);
+}
+
+template <typename T> void whenModal(std::function<void(T *)> act)
+{
+    whenModal<T>(nullptr, std::move(act));
 }
 
 // What `read` returns while the interface speaks `language` (from the

@@ -14,6 +14,7 @@
 #include "module/ilayerpanel.h"
 #include "module/layercolors.h"
 #include "support/settings.h"
+#include "libmgrwidgettest.h"
 #include "testenvironment.h"
 
 #include "idevicesinfo.h"
@@ -51,25 +52,6 @@ public:
     CDevicesInfoIns devices;
     QStringList calls;
 };
-
-// Runs `act` on the next modal window of type T once it shows.
-template<typename T>
-void whenModal(std::function<void(T *)> act)
-{
-    auto *timer = new QTimer;
-    timer->setInterval(5);
-    // Gives up after five seconds, so a window that never came cannot answer later tests.
-    QObject::connect(timer, &QTimer::timeout, [timer, act, tries = 0]() mutable {
-        auto *window = qobject_cast<T *>(QApplication::activeModalWidget());
-        if (window || ++tries > 1000) {
-            timer->stop();
-            timer->deleteLater();
-        }
-        if (window)
-            act(window);
-    });
-    timer->start();
-}
 
 void answerBox(QMessageBox::StandardButton button, QString *text = nullptr)
 {

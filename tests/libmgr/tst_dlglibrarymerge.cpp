@@ -3,6 +3,7 @@
 #include "library/clayercontext.h"
 #include "library/librarydocument.h"
 #include "module/clayermgrins.h"
+#include "libmgrwidgettest.h"
 #include "testenvironment.h"
 
 #include <QAbstractItemModel>
@@ -19,22 +20,6 @@
 #include <functional>
 
 namespace {
-
-// Runs `act` on the next modal window of type T once it shows (five seconds at most).
-template<typename T>
-void whenModal(std::function<void(T *)> act)
-{
-    auto *timer = new QTimer;
-    timer->setInterval(5);
-    QObject::connect(timer, &QTimer::timeout, [timer, act, tries = 0]() mutable {
-        auto *window = qobject_cast<T *>(QApplication::activeModalWidget());
-        if (window || ++tries > 1000)
-            timer->deleteLater();
-        if (window)
-            act(window);
-    });
-    timer->start();
-}
 
 CLibCutSet cutSet(const QString &material, double speed)
 {
