@@ -9,8 +9,10 @@
 
 #include <QAbstractButton>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QEvent>
 #include <QLabel>
+#include <QLineEdit>
 
 namespace {
 
@@ -168,3 +170,70 @@ void CLayerParamEditor::changeEvent(QEvent *event)
     }
     QWidget::changeEvent(event);
 }
+
+namespace {
+
+template <typename T> T *named(const QWidget *form, const char *name)
+{
+    return form->findChild<T *>(QLatin1String(name));
+}
+
+} // namespace
+
+template <typename Block, typename Speed, typename Passes>
+void CLayerParamEditor::addLaserFields(Block CLayerParam::*block, Speed Block::*speed,
+                                       double speedLimit, const char *secondPower,
+                                       Passes Block::*passes)
+{
+    using F = CParamFields;
+    using L = LaserParam;
+    CParamFields &f = fields();
+    auto edit = [this](const char *name) { return named<QLineEdit>(this, name); };
+    f.AddEdit(edit("lineEdit_speed"), F::KIND_SPEED, 0.0, speedLimit, 2, BlockField(block, speed),
+              named<QLabel>(this, "label_speedUnit"));
+    f.AddEdit(edit("lineEdit_maxPower"), F::KIND_NUMBER, 0.1, 100.0, 1,
+              LaserField(block, &L::POWER_MAX));
+    f.AddEdit(edit(secondPower), F::KIND_NUMBER, 0.1, 100.0, 1, LaserField(block, &L::POWER_MIN));
+    f.AddCombo(named<QComboBox>(this, "comboBox_airAssist"), BlowField());
+    f.AddEdit(edit("lineEdit_passes"), F::KIND_INTEGER, 1, 100, 0, BlockField(block, passes));
+    f.AddCheck(m_laserEnable, LaserField(block, &L::ENABLE));
+
+    f.AddEdit(edit("lineEdit_frequency"), F::KIND_INTEGER, 1, 1000000, 0,
+              LaserField(block, &L::FREQ));
+    f.AddEdit(edit("lineEdit_pulseWidth"), F::KIND_INTEGER, 0, 100000, 0,
+              LaserField(block, &L::PULSE_WIDTH));
+    f.AddEdit(edit("lineEdit_jumpDelay"), F::KIND_INTEGER, 0, 100000, 0,
+              LaserField(block, &L::JUMP_DELAY));
+    f.AddEdit(edit("lineEdit_cornerDelay"), F::KIND_INTEGER, 0, 100000, 0,
+              LaserField(block, &L::CORNER_DELAY));
+}
+
+template <typename Block> void CLayerParamEditor::addFocusFields(Block CLayerParam::*block)
+{
+    CParamFields &f = fields();
+    const double height = ReadIniInt(QStringLiteral("FACTORY_PARAM_MOTOR"),
+                                     QStringLiteral("MOTOR_SIZE_3"), 99, FactoryParamIniPath());
+    auto *dynamicFocus = named<QAbstractButton>(this, "checkBox_dynamicFocus");
+    auto *penDown = named<QAbstractButton>(this, "checkBox_penDown");
+    auto *penUp = named<QAbstractButton>(this, "checkBox_penUp");
+    auto *processing = named<QDoubleSpinBox>(this, "doubleSpinBox_processingFocus");
+    auto *safety = named<QDoubleSpinBox>(this, "doubleSpinBox_safetyFocus");
+    f.AddCheck(dynamicFocus, PenField(block, &PenParam::ENABLE_PEN_UP_DOWN));
+    f.AddCheck(penDown, PenField(block, &PenParam::ENABLE_PEN_DOWN));
+    f.AddHeight(processing, height, PenField(block, &PenParam::PEN_DOWN_HRIGHT),
+                named<QLabel>(this, "label_processingFocusUnit"));
+    f.AddCheck(penUp, PenField(block, &PenParam::ENABLE_PEN_UP));
+    f.AddHeight(safety, height, PenField(block, &PenParam::PEN_UP_HRIGHT),
+                named<QLabel>(this, "label_safetyFocusUnit"));
+    f.AddDependency(dynamicFocus, {penDown, penUp});
+    f.AddDependency(penDown, {processing});
+    f.AddDependency(penUp, {safety});
+}
+
+template void CLayerParamEditor::addLaserFields(CutParam CLayerParam::*, double CutParam::*, double,
+                                                const char *, qint32 CutParam::*);
+template void CLayerParamEditor::addLaserFields(SweepParam CLayerParam::*, double SweepParam::*,
+                                                double, const char *,
+                                                qint32 SweepParam::*);
+template void CLayerParamEditor::addFocusFields(CutParam CLayerParam::*);
+template void CLayerParamEditor::addFocusFields(SweepParam CLayerParam::*);

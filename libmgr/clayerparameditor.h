@@ -48,6 +48,13 @@ protected:
     void finishSetUp();
 
     CParamFields &fields() const { return *m_fields; }
+    // The rows both forms have, found by object name and bound to `block`:
+    // speed, the two powers (`secondPower` names the lower one's field), air,
+    // passes, the laser switch and its timing; then the focus group.
+    template <typename Block, typename Speed, typename Passes>
+    void addLaserFields(Block CLayerParam::*block, Speed Block::*speed, double speedLimit,
+                        const char *secondPower, Passes Block::*passes);
+    template <typename Block> void addFocusFields(Block CLayerParam::*block);
     // The values behind the fields; change before finishSetUp only.
     CLayerParam &scratchLayer() { return m_layer; }
     // The scratch layer with the fields on display written into it.

@@ -44,30 +44,13 @@ void DlgLayerParamCut::addFields()
     using L = LaserParam;
     const auto cut = &CLayerParam::CUT;
     CParamFields &f = fields();
-    const double height =
-        ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99, FactoryParamIniPath());
 
     setItemValues(ui->comboBox_airAssist, {1, 0});
     setItemValues(ui->comboBox_leadType, {0, 1});
     setItemValues(ui->comboBox_compensationDirection, {1, 0});
 
-    f.AddEdit(ui->lineEdit_speed, F::KIND_SPEED, 0.0, m_speedLimit, 2,
-              BlockField(cut, &CutParam::CUT_SPEED), ui->label_speedUnit);
-    f.AddEdit(ui->lineEdit_maxPower, F::KIND_NUMBER, 0.1, 100.0, 1, LaserField(cut, &L::POWER_MAX));
-    f.AddEdit(ui->lineEdit_cornerPower, F::KIND_NUMBER, 0.1, 100.0, 1,
-              LaserField(cut, &L::POWER_MIN));
-    f.AddCombo(ui->comboBox_airAssist, BlowField());
-    f.AddEdit(ui->lineEdit_passes, F::KIND_INTEGER, 1, 100, 0,
-              BlockField(cut, &CutParam::CUTTING_NUMBER));
-    f.AddCheck(ui->checkBox_laserEnable, LaserField(cut, &L::ENABLE));
-
-    f.AddEdit(ui->lineEdit_frequency, F::KIND_INTEGER, 1, 1000000, 0, LaserField(cut, &L::FREQ));
-    f.AddEdit(ui->lineEdit_pulseWidth, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(cut, &L::PULSE_WIDTH));
-    f.AddEdit(ui->lineEdit_jumpDelay, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(cut, &L::JUMP_DELAY));
-    f.AddEdit(ui->lineEdit_cornerDelay, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(cut, &L::CORNER_DELAY));
+    addLaserFields(cut, &CutParam::CUT_SPEED, m_speedLimit, "lineEdit_cornerPower",
+                   &CutParam::CUTTING_NUMBER);
 
     f.AddCheck(ui->checkBox_dwellMode, LaserField(cut, &L::DWELL_MODE));
     f.AddCheck(ui->checkBox_laserOn, LaserField(cut, &L::DWELL_ON));
@@ -96,13 +79,7 @@ void DlgLayerParamCut::addFields()
     f.AddEdit(ui->lineEdit_leadOutLength, F::KIND_LENGTH, 0.0, 500.0, 2,
               BlockField(cut, &CutParam::GUIDE_OUT_LEN), ui->label_leadOutLengthUnit);
 
-    f.AddCheck(ui->checkBox_dynamicFocus, PenField(cut, &PenParam::ENABLE_PEN_UP_DOWN));
-    f.AddCheck(ui->checkBox_penDown, PenField(cut, &PenParam::ENABLE_PEN_DOWN));
-    f.AddHeight(ui->doubleSpinBox_processingFocus, height,
-                PenField(cut, &PenParam::PEN_DOWN_HRIGHT), ui->label_processingFocusUnit);
-    f.AddCheck(ui->checkBox_penUp, PenField(cut, &PenParam::ENABLE_PEN_UP));
-    f.AddHeight(ui->doubleSpinBox_safetyFocus, height, PenField(cut, &PenParam::PEN_UP_HRIGHT),
-                ui->label_safetyFocusUnit);
+    addFocusFields(cut);
     f.AddCheck(ui->checkBox_compensation, BlockField(cut, &CutParam::CUT_COMPENSATE_ENABLE));
     f.AddCombo(ui->comboBox_compensationDirection,
                BlockField(cut, &CutParam::CUT_COMPENSATE_OUTWARD));
@@ -118,9 +95,6 @@ void DlgLayerParamCut::addFields()
                     {ui->comboBox_leadType, ui->checkBox_leadIn, ui->checkBox_leadOut});
     f.AddDependency(ui->checkBox_leadIn, {ui->lineEdit_leadInLength});
     f.AddDependency(ui->checkBox_leadOut, {ui->lineEdit_leadOutLength});
-    f.AddDependency(ui->checkBox_dynamicFocus, {ui->checkBox_penDown, ui->checkBox_penUp});
-    f.AddDependency(ui->checkBox_penDown, {ui->doubleSpinBox_processingFocus});
-    f.AddDependency(ui->checkBox_penUp, {ui->doubleSpinBox_safetyFocus});
     f.AddDependency(ui->checkBox_compensation,
                     {ui->comboBox_compensationDirection, ui->lineEdit_compensationSize});
 }

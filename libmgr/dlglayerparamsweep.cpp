@@ -34,12 +34,9 @@ DlgLayerParamSweep::~DlgLayerParamSweep() = default;
 void DlgLayerParamSweep::addFields()
 {
     using F = CParamFields;
-    using L = LaserParam;
     using S = SweepParam;
     const auto sweep = &CLayerParam::SWEEP;
     CParamFields &f = fields();
-    const double height =
-        ReadIniInt(kMotorGroup, QStringLiteral("MOTOR_SIZE_3"), 99, FactoryParamIniPath());
 
     ui->comboBox_airAssist->setItemData(0, 1);
     ui->comboBox_airAssist->setItemData(1, 0);
@@ -49,24 +46,7 @@ void DlgLayerParamSweep::addFields()
             combo->setItemData(i, i);
     }
 
-    f.AddEdit(ui->lineEdit_speed, F::KIND_SPEED, 0.0, m_speedLimit, 2,
-              BlockField(sweep, &S::SWEEP_SPEED), ui->label_speedUnit);
-    f.AddEdit(ui->lineEdit_maxPower, F::KIND_NUMBER, 0.1, 100.0, 1,
-              LaserField(sweep, &L::POWER_MAX));
-    f.AddEdit(ui->lineEdit_minPower, F::KIND_NUMBER, 0.1, 100.0, 1,
-              LaserField(sweep, &L::POWER_MIN));
-    f.AddCombo(ui->comboBox_airAssist, BlowField());
-    f.AddEdit(ui->lineEdit_passes, F::KIND_INTEGER, 1, 100, 0,
-              BlockField(sweep, &S::CARVING_NUMBER));
-    f.AddCheck(ui->checkBox_laserEnable, LaserField(sweep, &L::ENABLE));
-
-    f.AddEdit(ui->lineEdit_frequency, F::KIND_INTEGER, 1, 1000000, 0, LaserField(sweep, &L::FREQ));
-    f.AddEdit(ui->lineEdit_pulseWidth, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(sweep, &L::PULSE_WIDTH));
-    f.AddEdit(ui->lineEdit_jumpDelay, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(sweep, &L::JUMP_DELAY));
-    f.AddEdit(ui->lineEdit_cornerDelay, F::KIND_INTEGER, 0, 100000, 0,
-              LaserField(sweep, &L::CORNER_DELAY));
+    addLaserFields(sweep, &S::SWEEP_SPEED, m_speedLimit, "lineEdit_minPower", &S::CARVING_NUMBER);
 
     f.AddCombo(ui->comboBox_mode, BlockField(sweep, &S::SWEEP_TYPE));
     f.AddCombo(ui->comboBox_direction, BlockField(sweep, &S::SWEEP_VERT_TYPE));
@@ -80,19 +60,10 @@ void DlgLayerParamSweep::addFields()
     f.AddEdit(ui->lineEdit_offsetStep, F::KIND_LENGTH, 0.0, 20.0, 2,
               BlockField(sweep, &S::SWEEP_STEP), ui->label_offsetStepUnit);
 
-    f.AddCheck(ui->checkBox_dynamicFocus, PenField(sweep, &PenParam::ENABLE_PEN_UP_DOWN));
-    f.AddCheck(ui->checkBox_penDown, PenField(sweep, &PenParam::ENABLE_PEN_DOWN));
-    f.AddHeight(ui->doubleSpinBox_processingFocus, height,
-                PenField(sweep, &PenParam::PEN_DOWN_HRIGHT), ui->label_processingFocusUnit);
-    f.AddCheck(ui->checkBox_penUp, PenField(sweep, &PenParam::ENABLE_PEN_UP));
-    f.AddHeight(ui->doubleSpinBox_safetyFocus, height, PenField(sweep, &PenParam::PEN_UP_HRIGHT),
-                ui->label_safetyFocusUnit);
+    addFocusFields(sweep);
 
     f.AddDependency(ui->checkBox_slope, {ui->lineEdit_rampLength});
     f.AddDependency(ui->checkBox_offset, {ui->comboBox_offsetType, ui->lineEdit_offsetStep});
-    f.AddDependency(ui->checkBox_dynamicFocus, {ui->checkBox_penDown, ui->checkBox_penUp});
-    f.AddDependency(ui->checkBox_penDown, {ui->doubleSpinBox_processingFocus});
-    f.AddDependency(ui->checkBox_penUp, {ui->doubleSpinBox_safetyFocus});
 }
 
 void DlgLayerParamSweep::SetDeepMode(bool deep)
