@@ -2,26 +2,22 @@
 
 #include "cdrawitem.h"
 
-#include <QString>
 #include <QStringList>
 
 #include <vector>
+
+inline QString DrawItemsText(const std::vector<CDrawItem> &items);
 
 // Drawing items as short text, so a test compares what a user would see
 // listed: "rect #ff0000", "ellipse #00ff00 fill", "group #0000ff [line #0000ff; ...]".
 inline QString DrawItemText(const CDrawItem &item)
 {
     static const char *const kinds[] = {"rect", "ellipse", "line", "path", "image", "text", "group"};
-    QString text = QLatin1String(kinds[item.Kind()]) + QStringLiteral(" #")
-        + QStringLiteral("%1").arg(item.Color(), 6, 16, QLatin1Char('0'));
+    QString text = QStringLiteral("%1 #%2").arg(QLatin1String(kinds[item.Kind()])).arg(item.Color(), 6, 16, QLatin1Char('0'));
     if (item.IsFilled())
         text += QStringLiteral(" fill");
-    if (item.IsGroup()) {
-        QStringList members;
-        for (const CDrawItem &member : item.Members())
-            members.append(DrawItemText(member));
-        text += QStringLiteral(" [") + members.join(QStringLiteral("; ")) + QLatin1Char(']');
-    }
+    if (item.IsGroup())
+        text += QStringLiteral(" [") + DrawItemsText(item.Members()) + QLatin1Char(']');
     return text;
 }
 
@@ -33,10 +29,9 @@ inline QString DrawItemsText(const std::vector<CDrawItem> &items)
     return texts.join(QStringLiteral("; "));
 }
 
-// Bounds rounded to 0.01 mm: "x,y w×h".
+// Bounds rounded to 0.01 mm: "x,y wxh".
 inline QString BoundsText(const QRectF &r)
 {
     auto n = [](qreal v) { return QString::number(qRound(v * 100) / 100.0); };
-    return n(r.x()) + QLatin1Char(',') + n(r.y()) + QLatin1Char(' ') + n(r.width())
-        + QLatin1Char('x') + n(r.height());
+    return n(r.x()) + QLatin1Char(',') + n(r.y()) + QLatin1Char(' ') + n(r.width()) + QLatin1Char('x') + n(r.height());
 }

@@ -16,14 +16,6 @@ QByteArray svg(const QByteArray &body, const char *rootAttributes = "")
         + body + "</svg>\n";
 }
 
-bool import(const QByteArray &bytes, CSvgImporter *importer)
-{
-    QBuffer buffer;
-    buffer.setData(bytes);
-    buffer.open(QIODevice::ReadOnly);
-    return importer->Read(&buffer);
-}
-
 } // namespace
 
 class tst_SvgImporter : public QObject
@@ -37,11 +29,14 @@ private slots:
         QFETCH(QByteArray, document);
         QFETCH(QString, expected);
         CSvgImporter importer;
+        QBuffer earlier;
+        QBuffer buffer(&document);
+        earlier.setData(svg("<rect width=\"1\" height=\"1\"/>"));
         // What an earlier file gave does not survive a refusal.
-        QVERIFY(import(svg("<rect width=\"1\" height=\"1\"/>"), &importer));
+        QVERIFY(earlier.open(QIODevice::ReadOnly) && importer.Read(&earlier) && buffer.open(QIODevice::ReadOnly));
         QElapsedTimer timer;
         timer.start();
-        const bool read = import(document, &importer);
+        const bool read = importer.Read(&buffer);
         QVERIFY2(timer.elapsed() < 20000, "reading must not take long");
         if (!read) {
             QVERIFY2(expected.startsWith(QLatin1String("! ")) && importer.ErrorString().startsWith(expected.mid(2)) && importer.Items().empty(), qPrintable(importer.ErrorString()));
@@ -67,10 +62,7 @@ void tst_SvgImporter::read_data()
     };
     auto bad = [](const char *name, const QByteArray &document, const char *error) { QTest::newRow(name) << document << "! " + QString::fromUtf8(error) << 0; };
     const char *const notWellFormed = "The SVG file is not well-formed";
-    const char *const noRoot = "The file is not an SVG drawing: it has no document element.";
     const char *const noColours = "The SVG file has no colours: no shape has a fill or a stroke.";
-    const char *const noShapes = "The SVG file has no shapes that can be imported.";
-    const QByteArray whole = svg(R"s(<rect width="10" height="10" fill="red"/><circle r="5" fill="blue"/>)s");
     QByteArray large = svg("<rect width=\"1\" height=\"1\"/>");
     large.insert(large.indexOf("<rect"), QByteArray(CSvgImporter::kMaxBytes, ' '));
     // clang-format off
@@ -83,12 +75,10 @@ void tst_SvgImporter::read_data()
     row("style beats attributes; spaces, upper case, !important", R"s(<rect width="1" height="1" fill="#ff0000" style="fill:#00ff00"/><rect width="1" height="1" style=" fill : none ; stroke: #ABCDEF !important ;"/>)s", "rect #00ff00 fill; rect #abcdef");
     row("one-colour group stays a group", R"s(<g fill="none" stroke="#f5400f"><rect width="1" height="1"/><circle r="1"/></g>)s", "group #f5400f [rect #f5400f; ellipse #f5400f]");
     row("mixed-colour group comes in as its members", R"s(<g><rect width="1" height="1" fill="#0000aa"/><rect width="1" height="1" fill="#aa0000"/></g>)s", "rect #0000aa fill; rect #aa0000 fill");
-    row("logo: mixed group beside a one-colour group", R"s(<g><path d="M0 0h1v1z" fill="#ffff00"/><path d="M0 0h2" stroke="#000000"/></g><g fill="#ff0000"><circle r="1"/><circle r="2"/></g>)s", "path #ffff00 fill; path #000000; group #ff0000 [ellipse #ff0000 fill; ellipse #ff0000 fill]");
     row("nested: a one-colour group inside a mixed one stays", R"s(<a href="#"><g fill="#ff0000"><rect width="1" height="1"/><circle r="1"/></g><rect width="1" height="1" fill="#0000ff"/></a>)s", "group #ff0000 [rect #ff0000 fill; ellipse #ff0000 fill]; rect #0000ff fill");
     row("nested: a mixed group inside a group splits both", R"s(<g fill="#ff0000"><g><rect width="1" height="1"/><rect width="1" height="1" fill="#00ff00"/></g><circle r="1"/></g>)s", "rect #ff0000 fill; rect #00ff00 fill; ellipse #ff0000 fill");
     row("nested one-colour groups", R"s(<g fill="#123456"><rect width="1" height="1"/><g><circle r="1"/><circle r="2"/></g></g>)s", "group #123456 [rect #123456 fill; group #123456 [ellipse #123456 fill; ellipse #123456 fill]]");
     row("a group of one shape is that shape", R"s(<g><g><rect width="1" height="1" fill="#010203"/></g></g>)s", "rect #010203 fill");
-    row("an empty group is nothing", R"s(<g/><g><title>t</title></g><rect width="1" height="1" fill="#0000ff"/>)s", "rect #0000ff fill");
     row("image keeps its own paint", R"s(<image width="10" height="5" fill="#00cafc"/><image width="10" height="5" fill="none"/>)s", "image #00cafc fill; image #000000 fill");
     row("hidden elements and definitions are not drawn", R"s(<defs><rect width="1" height="1" fill="#ff0000"/></defs><rect width="1" height="1" fill="#00ff00" display="none"/><g style="display:none"><circle r="1" fill="#0000ff"/></g><clipPath><rect width="5" height="5"/></clipPath><circle r="1" fill="#010101"/>)s", "ellipse #010101 fill");
     row("text and use are left out and counted", R"s(<text x="1" y="1">Hello</text><use href="#a"/><circle r="1" stroke="#020202"/>)s", "ellipse #020202", 2);
@@ -102,45 +92,24 @@ void tst_SvgImporter::read_data()
     row("unreadable colours inherit", R"s(<g fill="#330000"><rect width="1" height="1" fill="#12"/><rect width="1" height="1" fill="#1234567"/><rect width="1" height="1" fill="#ggg"/><rect width="1" height="1" fill="rgb(1,2)"/><rect width="1" height="1" fill="rgb(1,2,3,4,5)"/><rect width="1" height="1" fill="rgb(1,2,3"/><rect width="1" height="1" fill="blurple"/><rect width="1" height="1" fill="red1"/><rect width="1" height="1" fill=""/></g>)s", "group #330000 [rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill; rect #330000 fill]");
     row("transparent colours paint nothing", R"s(<rect width="1" height="1" fill="#1a30"/><rect width="1" height="1" fill="rgb(1 2 3 / 0%)"/><rect width="1" height="1" fill="transparent"/><circle r="1" stroke="#1a3"/>)s", "ellipse #11aa33");
     row("pixels without viewBox are 96 per inch", R"s(<rect width="96" height="48"/>)s", "@ 0,0 25.4x12.7");
-    row("lengths with units", R"s(<rect x="1in" y="10mm" width="2cm" height="72pt"/>)s", "@ 25.4,10 20x25.4");
     row("viewBox onto a size in mm", R"s(<rect x="20" y="10" width="100" height="50"/>)s", "@ 10,5 50x25", 0, R"s(width="100mm" height="50mm" viewBox="0 0 200 100")s");
     row("viewBox with an origin", R"s(<rect x="10" y="10" width="10" height="10"/>)s", "@ 0,0 10x10", 0, R"s(width="100mm" height="100mm" viewBox="10 10 100 100")s");
-    row("viewBox without size is in pixels", R"s(<rect width="96" height="96"/>)s", "@ 0,0 25.4x25.4", 0, R"s(viewBox="0 0 96 96")s");
-    mm("translate", R"s(<rect width="10" height="5" transform="translate(5 7)"/>)s", "@ 5,7 10x5");
-    mm("scale", R"s(<rect x="1" width="10" height="5" transform="scale(2,3)"/>)s", "@ 2,0 20x15");
     mm("rotate about a point", R"s(<rect x="10" y="10" width="10" height="2" transform="rotate(90 10 10)"/>)s", "@ 8,10 2x10");
-    mm("matrix", R"s(<rect width="1" height="1" transform="matrix(2 0 0 3 4 5)"/>)s", "@ 4,5 2x3");
-    mm("transforms apply right to left", R"s(<rect width="1" height="1" transform="translate(10,0) scale(2)"/>)s", "@ 10,0 2x2");
     mm("group and shape transforms compose", R"s(<g transform="translate(10 20)"><g transform="scale(2)"><rect x="1" y="1" width="1" height="1" transform="translate(1)"/></g></g>)s", "@ 14,22 2x2");
-    mm("skewX", R"s(<rect width="10" height="10" transform="skewX(45)"/>)s", "@ 0,0 20x10");
-    mm("circle", R"s(<circle cx="50" cy="40" r="10"/>)s", "@ 40,30 20x20");
-    mm("rounded rect", R"s(<rect x="1" y="2" width="30" height="20" rx="5"/>)s", "@ 1,2 30x20");
-    mm("line", R"s(<line x1="5" y1="30" x2="25" y2="10" stroke="red"/>)s", "@ 5,10 20x20");
-    mm("polyline drops an odd coordinate", R"s(<polyline points="0,0 10,10 20,0 99" stroke="red"/>)s", "@ 0,0 20x10");
     mm("relative path commands", R"s(<path d="m10 10 h20 v10 h-20 z m5 5 l1 1" stroke="red"/>)s", "@ 10,10 20x10");
-    mm("implicit line after move", R"s(<path d="M0 0 10 5 20 0" stroke="red"/>)s", "@ 0,0 20x5");
     mm("numbers run together", R"s(<path d="M.5.5L-1-1l1.5e1,0" stroke="red"/>)s", "@ -1,-1 15x1.5");
-    mm("arc, clockwise half circle", R"s(<path d="M0 50 A 10 10 0 0 1 20 50" stroke="red"/>)s", "@ 0,40 20x10");
     mm("arc, flags run together", R"s(<path d="M0 50a10 10 0 0020 0" stroke="red"/>)s", "@ 0,50 20x10");
-    mm("arc radius too small is scaled up", R"s(<path d="M0 50 A 1 1 0 0 1 20 50" stroke="red"/>)s", "@ 0,40 20x10");
-    mm("arc without radius is a line", R"s(<path d="M0 0 A 0 5 0 0 1 20 10" stroke="red"/>)s", "@ 0,0 20x10");
     mm("smooth cubic reflects the control point", R"s(<path d="M0 0 C 0 10, 10 10, 10 0 S 20 -10, 20 0" stroke="red"/>)s", "@ 0,-7.5 20x15");
-    mm("quadratic and smooth quadratic", R"s(<path d="M0 0 Q 5 10 10 0 T 20 0" stroke="red"/>)s", "@ 0,-5 20x10");
     mm("path data error keeps what came before", R"s(<path d="M0 0 L10 10 L 20" stroke="red"/>)s", "@ 0,0 10x10");
-    mm("image", R"s(<image x="5" y="6" width="30" height="20"/>)s", "@ 5,6 30x20");
     bad("empty", QByteArray(), "The SVG file is empty.");
     bad("white space", " \n\t\n", "The SVG file is empty.");
-    bad("garbage", QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), notWellFormed);
     bad("another XML document", "<html><body><p>hello</p></body></html>", "The file is not an SVG drawing: its document element is <html>.");
-    bad("declaration only", "<?xml version=\"1.0\"?>", noRoot);
-    bad("comment only", "<!-- nothing here -->", noRoot);
-    bad("cut inside the first tag", "<?xml version=\"1.0\"?>\n<svg width=", notWellFormed);
-    bad("truncated before the end tag", whole.left(whole.indexOf("</svg>")), notWellFormed);
+    bad("declaration only", "<?xml version=\"1.0\"?>", "The file is not an SVG drawing: it has no document element.");
+    bad("truncated before the end tag", svg(R"s(<rect width="10" height="10" fill="red"/>)s").chopped(7), notWellFormed);
     bad("entity expansion bomb", "<?xml version=\"1.0\"?><!DOCTYPE svg [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\"><!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\"><!ENTITY d \"&c;&c;&c;&c;&c;&c;&c;&c;&c;&c;\"><!ENTITY e \"&d;&d;&d;&d;&d;&d;&d;&d;&d;&d;\"><!ENTITY f \"&e;&e;&e;&e;&e;&e;&e;&e;&e;&e;\">]><svg><desc>&f;</desc></svg>", notWellFormed);
     bad("no colours", svg(R"s(<rect width="10" height="10" fill="none"/><line x2="10" y2="10"/><circle r="3" fill="none" stroke="none"/>)s"), noColours);
     bad("only transparent colours", svg(R"s(<rect width="10" height="10" fill="transparent" stroke="rgba(0,0,0,0)"/><circle r="3" fill="#0000" stroke="url(#g)"/>)s"), noColours);
-    bad("no shapes", svg("<title>x</title><text>only words</text>"), noShapes);
-    bad("empty svg", svg(""), noShapes);
+    bad("no shapes", svg("<title>x</title><text>only words</text>"), "The SVG file has no shapes that can be imported.");
     bad("too many elements", "<svg>" + QByteArray("<g/>").repeated(CSvgImporter::kMaxElements) + "</svg>", "The SVG file has more than 200000 elements.");
     bad("nested too deep", svg(QByteArray("<g>").repeated(300)), "The SVG file nests its elements more than 256 levels deep.");
     bad("too large", large, "The SVG file is larger than 20 MB.");
