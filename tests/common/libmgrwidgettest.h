@@ -1,6 +1,8 @@
 #pragma once
 
 #include "ctranslator.h"
+#include "idevicesinfo.h"
+#include "ilayerhost.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -47,6 +49,19 @@ template <typename T> void whenModal(std::function<void(T *)> act)
 {
     whenModal<T>(nullptr, std::move(act));
 }
+
+// A host with a machine the test sets up; it notes when the layers change.
+class TestHost : public ILayerHost
+{
+public:
+    void LayersChanged() override { layersChanged = true; }
+    void LayerEvent(int) override {}
+    void CurrentLayerChanged() override {}
+    void RefreshView() override {}
+    IDevicesInfo *DevicesInfo() const override { return const_cast<CDevicesInfoIns *>(&devices); }
+    CDevicesInfoIns devices;
+    bool layersChanged = false;
+};
 
 // What `read` returns while the interface speaks `language` (from the
 // project's own resources); English is back afterwards.

@@ -1,6 +1,5 @@
 #include "layertable/dlglayermgr.h"
 #include "libmgr/cmateriallistwidget.h"
-#include "libmgr/dlglasertube.h"
 #include "libmgr/dlglayeraddmaterials.h"
 #include "libmgr/dlglayeraddthickness.h"
 #include "libmgr/dlglayerlibmgr.h"
@@ -17,47 +16,32 @@
 #include "libmgrwidgettest.h"
 #include "testenvironment.h"
 
-#include "idevicesinfo.h"
-#include "ilayerhost.h"
-
+#include <QAbstractItemModel>
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTest>
-#include <QTimer>
 #include <QTreeWidget>
 
-#include <functional>
 #include <memory>
 
 namespace {
 
-class Host : public ILayerHost
+void answerBox(QMessageBox::StandardButton button, QStringList *texts = nullptr)
 {
-public:
-    void LayersChanged() override { calls << QStringLiteral("LayersChanged"); }
-    void LayerEvent(int) override {}
-    void CurrentLayerChanged() override {}
-    void RefreshView() override {}
-    IDevicesInfo *DevicesInfo() const override { return const_cast<CDevicesInfoIns *>(&devices); }
-    CDevicesInfoIns devices;
-    QStringList calls;
-};
-
-void answerBox(QMessageBox::StandardButton button, QString *text = nullptr)
-{
-    whenModal<QMessageBox>([button, text](QMessageBox *box) {
-        if (text)
-            *text = box->text();
+    whenModal<QMessageBox>([button, texts](QMessageBox *box) {
+        if (texts)
+            *texts << box->text();
         box->button(button)->click();
     });
 }
@@ -92,7 +76,7 @@ CMaterialLibrary factoryLibrary()
 
 struct Fixture
 {
-    Fixture(int layers = 3)
+    Fixture()
     {
         g_LayerContext.m_unitMode = 1;
         QDir().mkpath(env.resourceDir() + QStringLiteral("/Data"));
@@ -105,28 +89,22 @@ struct Fixture
         personal.speed = 99;
         user().SetCutSet(personal);
         manager = std::make_unique<CLayerMgrIns>(&host);
-        for (int i = 0; i < layers; ++i)
-            manager->AddLayer(new CLayerParam(i < 35 ? StandardLayerColor(quint32(i) + 1, false)
-                                                     : 0x200000u + quint32(i) * 3u));
+        for (quint32 i = 1; i <= 3; ++i)
+            manager->AddLayer(new CLayerParam(StandardLayerColor(i, false)));
     }
 
     static CLibraryStore &store() { return g_LayerContext.Store(); }
     static CMaterialLibrary &user() { return store().UserLibrary(); }
     CLayerParam &layer(int row) const { return *manager->GetLayerAt(quint32(row)); }
 
-    DlgLayerLibMgr *open(int row = 0)
+    void open()
     {
-        owned = std::make_unique<DlgLayerLibMgr>(&layer(row), host.DevicesInfo());
+        owned = std::make_unique<DlgLayerLibMgr>(&layer(0), host.DevicesInfo());
         dialog = owned.get();
-        dialog->Fill(manager.get(), row);
+        dialog->Fill(manager.get(), 0);
         dialog->show();
-        return dialog;
     }
-    template<typename T>
-    T *child(const char *name) const
-    {
-        return dialog->findChild<T *>(QString::fromLatin1(name));
-    }
+    template <typename T> T *child(const char *name) const { return ::child<T>(dialog, name); }
     DlgLayerParamPresets *presets() const { return dialog->findChild<DlgLayerParamPresets *>(); }
     void choose(int material, int thickness, int craft, int scheme) const
     {
@@ -162,7 +140,7 @@ struct Fixture
     }
 
     TestEnvironment env;
-    Host host;
+    TestHost host;
     std::unique_ptr<CLayerMgrIns> manager;
     std::unique_ptr<DlgLayerLibMgr> owned;
     DlgLayerLibMgr *dialog = nullptr;
@@ -175,36 +153,6 @@ class tst_DlgLayerLibMgr : public QObject
     Q_OBJECT
 
 private slots:
-    void openFromPanel_data()
-    {
-        QTest::addColumn<int>("layers");
-        QTest::addColumn<int>("row");
-        QTest::newRow("three layers") << 3 << 1;
-        QTest::newRow("hundred layers, rows without widgets") << 100 << 97;
-    }
-    void openFromPanel()
-    {
-        QFETCH(int, layers);
-        QFETCH(int, row);
-        Fixture f(layers);
-        QStringList labels;
-        int shownRow = -1;
-        whenModal<DlgLayerLibMgr>([&](DlgLayerLibMgr *dialog) {
-            labels = dialog->RowLabels();
-            shownRow =
-                dialog->findChild<QListWidget *>(QStringLiteral("listWidget_Layer"))->currentRow();
-            dialog->reject();
-        });
-        f.doubleClickRow(row);
-        QCOMPARE(labels.size(), layers);
-        QCOMPARE(shownRow, row);
-        // Standard colours carry their letters; rows far down a long list
-        // (without cell widgets) the numeral of a unique number.
-        QCOMPARE(labels[1], QStringLiteral("C"));
-        QCOMPARE(labels.last(), layers > 35 ? QStringLiteral("XLIX") : QStringLiteral("D"));
-        QVERIFY(!QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))));
-    }
-
     void choose_data()
     {
         QTest::addColumn<int>("material");
@@ -217,7 +165,6 @@ private slots:
         QTest::newRow("plywood 3 cutting personalized") << 0 << 0 << 0 << 1 << false << 99.0;
         QTest::newRow("plywood 3 cutting temporary: the layer's")
             << 0 << 0 << 0 << 2 << false << 1.0;
-        QTest::newRow("acrylic 5 scoring suggested") << 1 << 1 << 1 << 0 << false << 135.0;
         QTest::newRow("mdf 5 shallow suggested") << 2 << 1 << 2 << 0 << false << 305.0;
         QTest::newRow("mark shows the hint") << 0 << 0 << 4 << 0 << false << -1.0;
         QTest::newRow("an edit turns a set temporary") << 1 << 0 << 0 << 0 << true << 33.0;
@@ -302,7 +249,7 @@ private slots:
         QCOMPARE(f.layer(0).CUT.CUT_SPEED, speed);
         QCOMPARE(f.layer(1).WORK_TYPE, committed && action != "ok" ? 2 : 0);
         QCOMPARE(QFile::exists(f.env.dataFile(QStringLiteral("old.lpl"))), committed);
-        QCOMPARE(f.host.calls.contains(QStringLiteral("LayersChanged")), committed);
+        QCOMPARE(f.host.layersChanged, committed);
         QCOMPARE(f.user().HasSet({0, 80, "Plywood", 3.0, 1}), action != "ok");
         QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_POWER", -1, TmpParamIniPath()), 80);
     }
@@ -337,87 +284,112 @@ private slots:
         QTRY_COMPARE(f.child<QPushButton>("pushButton_ok")->isEnabled(), status != 0);
     }
 
-    void advanceClonesOnce()
+    void importMerge_data()
     {
-        Fixture f;
-        f.open();
-        for (int power : {60, 80, 60}) {
-            whenModal<DlgLaserTube>([power](DlgLaserTube *tube) {
-                tube->SetPower(power);
-                tube->findChild<QPushButton *>(QStringLiteral("pushButton_ok"))->click();
-            });
-            f.click("pushButton_Advanced");
-            QCOMPARE(f.dialog->LaserPower(), power);
-            QCOMPARE(f.user().MaterialNames(0, 60), kMaterials);
-            QCOMPARE(f.child<QComboBox>("comboBox_Material")->count(), 4);
-        }
-        QCOMPARE(f.user().CountSets(0, 60, 0), f.user().CountSets(0, 80, 0));
+        // "changes" and "same": a library that changes the user's or one that matches it.
+        QTest::addColumn<QByteArray>("file");
+        // Ticks ("conflict", "automatic") and buttons of the merge summary, in order.
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("speeds"); // plywood and acrylic in lm.json afterwards
+        QTest::addColumn<QStringList>("shown");
+        // Plywood and acrylic speeds, cork's material, thickness and set.
+        const QStringList offered{"Changes: 5, conflicts: 1, ticked: 4", "Conflict", "0", "2"};
+        const QStringList invalid{"Import failed, invalid parameter file!"};
+        const QString save = QStringLiteral("pushButton_save");
+        QTest::newRow("as offered: the conflict keeps the user's value")
+            << QByteArray("changes") << QStringList{save} << "99 77" << offered;
+        QTest::newRow("conflict ticked, automatic row unticked")
+            << QByteArray("changes") << QStringList{"conflict", "automatic", save} << "50 33"
+            << offered;
+        QTest::newRow("tick all takes every value")
+            << QByteArray("changes") << QStringList{"automatic", "pushButton_tickAll", save}
+            << "50 77" << offered;
+        QTest::newRow("untick conflicts keeps the user's value")
+            << QByteArray("changes") << QStringList{"conflict", "pushButton_untickConflicts", save}
+            << "99 77" << offered;
+        QTest::newRow("cancel writes nothing")
+            << QByteArray("changes") << QStringList{"conflict", "pushButton_cancel"} << "99 33"
+            << offered;
+        QTest::newRow("file changes nothing: one line, nothing written")
+            << QByteArray("same") << QStringList() << "99 33"
+            << QStringList{"The file changes nothing in your library."};
+        QTest::newRow("not JSON") << QByteArray("not a library {") << QStringList() << "99 33"
+                                  << invalid;
+        QTest::newRow("no materials") << QByteArray(R"({"Type":{"Glass":[{"Power":80}]}})")
+                                      << QStringList() << "99 33" << invalid;
     }
-
-    void import_data()
+    void importMerge()
     {
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<bool>("valid");
-        CMaterialLibrary imported;
-        imported.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {2.0}});
-        const QByteArray good = MaterialLibraryText(imported);
-        QTest::newRow("not JSON") << QByteArray("not a library {") << false;
-        QTest::newRow("no materials")
-            << QByteArray(R"({"Type":{"Glass":[{"Power":80}]}})") << false;
-        QTest::newRow("truncated") << good.left(good.size() / 2) << false;
-        QTest::newRow("100 MB") << QByteArray(100 * 1024 * 1024, ' ') + "[" << false;
-        QTest::newRow("library") << good << true;
-    }
-    void import()
-    {
-        QFETCH(QByteArray, content);
-        QFETCH(bool, valid);
+        QFETCH(QByteArray, file);
+        QFETCH(QStringList, clicks);
         Fixture f;
         f.store().Save();
         const QByteArray before = f.env.readFile(QStringLiteral("lm.json"));
+        const bool changes = file == "changes";
+        CMaterialLibrary imported = factoryLibrary();
+        const auto setSpeed = [&imported](const char *material, double speed) {
+            CLibCutSet set;
+            set.key = {0, 80, QLatin1String(material), 3.0, 0};
+            set.speed = speed;
+            imported.SetCutSet(set);
+        };
+        setSpeed("Plywood", changes ? 50 : 99);
+        QStringList seen;
+        if (changes) {
+            setSpeed("Acrylic", 77);
+            imported.AddMaterial(CLibMaterial{QStringLiteral("Cork"), {}, {}, 0, 80, {3.0}});
+            setSpeed("Cork", 12);
+            whenModal<DlgLibraryMerge>([&](DlgLibraryMerge *merge) {
+                QAbstractItemModel *model = merge->findChild<QTableView *>()->model();
+                // Each holds one changed row: its speed.
+                const auto rowOf = [model](const char *material) {
+                    return model->match(model->index(0, 2), Qt::DisplayRole, material)
+                        .value(0)
+                        .row();
+                };
+                const QModelIndex conflict = model->index(rowOf("Plywood"), 0);
+                const QModelIndex automatic = model->index(rowOf("Acrylic"), 0);
+                seen << child<QLabel>(merge, "label_count")->text() << conflict.data().toString()
+                     << conflict.data(Qt::CheckStateRole).toString()
+                     << automatic.data(Qt::CheckStateRole).toString();
+                for (const QString &name : clicks) {
+                    if (name == "conflict")
+                        model->setData(conflict, Qt::Checked, Qt::CheckStateRole);
+                    else if (name == "automatic")
+                        model->setData(automatic, Qt::Unchecked, Qt::CheckStateRole);
+                    else
+                        ::click(merge, name);
+                }
+            });
+        } else {
+            answerBox(QMessageBox::Yes, &seen);
+        }
         const QString path = f.env.root() + QStringLiteral("/import.json");
-        QVERIFY(f.env.writeFile(path, content));
-        f.open();
-        QString message;
+        const bool library = changes || file == "same";
+        QVERIFY(f.env.writeFile(path, library ? MaterialLibraryText(imported) : file));
         whenModal<QFileDialog>([path](QFileDialog *dialog) {
             dialog->selectFile(path);
             QMetaObject::invokeMethod(dialog, "accept");
         });
-        if (!valid)
-            answerBox(QMessageBox::Yes, &message);
-        else
-            whenModal<DlgLibraryMerge>([](DlgLibraryMerge *merge) {
-                merge->findChild<QPushButton *>(QStringLiteral("pushButton_save"))->click();
-            });
-        f.click("pushButton_Import");
-        QCOMPARE(message,
-                 valid ? QString() : QStringLiteral("Import failed, invalid parameter file!"));
-        QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == before, !valid);
-        // A valid file is merged: the user's materials stay, the file's follow.
-        QCOMPARE(f.user().MaterialNames(0, 80),
-                 valid ? kMaterials + QStringList{"Cork"} : kMaterials);
-        QCOMPARE(f.child<QComboBox>("comboBox_Material")->itemText(valid ? 3 : 0),
-                 valid ? "Cork" : "Plywood");
-    }
-
-    void restoreDefaults_data()
-    {
-        QTest::addColumn<bool>("yes");
-        QTest::newRow("yes") << true;
-        QTest::newRow("no") << false;
-    }
-    void restoreDefaults()
-    {
-        QFETCH(bool, yes);
-        Fixture f;
-        f.user().RemoveMaterial(0, 80, QStringLiteral("MDF"));
         f.open();
-        answerBox(yes ? QMessageBox::Yes : QMessageBox::No);
-        f.click("pushButton_default");
-        QCOMPARE(f.user() == f.store().FactoryLibrary(), yes);
-        QCOMPARE(ReadIniInt("DLG_LIB_MGR", "LASER_DEFAULT_POWER", -1, TmpParamIniPath()),
-                 yes ? 80 : -1);
-        QCOMPARE(f.child<QListWidget>("listWidget_Material")->count(), yes ? 4 : 3);
+        f.click("pushButton_Import");
+        QTEST(seen, "shown");
+        const bool saved = clicks.contains("pushButton_save");
+        QCOMPARE(QDir(CLibraryStore::BackupDir()).entryList(QDir::Files).size(), saved ? 1 : 0);
+        QCOMPARE(f.env.readFile(QStringLiteral("lm.json")) == before, !saved);
+        CMaterialLibrary written;
+        QVERIFY(ReadMaterialLibraryFile(CLibraryStore::UserLibraryPath(), written).ok());
+        QCOMPARE(written, f.user());
+        const auto speed = [&written](const char *material) {
+            const CLibCutSet *set = written.FindCutSet({0, 80, QLatin1String(material), 3.0, 0});
+            return set ? set->speed : -1;
+        };
+        QTEST(QStringLiteral("%1 %2").arg(speed("Plywood")).arg(speed("Acrylic")), "speeds");
+        QCOMPARE(speed("Cork"), saved ? 12.0 : -1.0);
+        // The new material is offered at once.
+        QCOMPARE(f.child<QComboBox>("comboBox_Material")->findText("Cork") >= 0, saved);
+        QCOMPARE(f.env.logLines().contains(QStringLiteral("0|tableView was changed.")),
+                 clicks.contains("conflict") || clicks.contains("automatic"));
     }
 
     // Each edit lands in lm.json and shows in the lists; `value` is a
@@ -454,8 +426,8 @@ private slots:
             << both;
         QTest::newRow("drag down") << "move" << "Plywood" << "2"
                                    << QStringList{"Acrylic", "MDF", "Plywood"} << "Plywood" << both;
-        QTest::newRow("drag up") << "move" << "MDF" << "0"
-                                 << QStringList{"MDF", "Plywood", "Acrylic"} << "Plywood" << both;
+        QTest::newRow("restore defaults brings a deleted material back")
+            << "restore" << "MDF" << "" << kMaterials << "Plywood" << both;
     }
     void editLibrary()
     {
@@ -466,9 +438,11 @@ private slots:
         QFETCH(QString, current);
         QFETCH(QStringList, thicknesses);
         Fixture f;
+        if (edit == "restore")
+            f.user().RemoveMaterial(0, 80, name);
         f.open();
         // A taken name asks first; renaming onto one is refused, adding to one goes on.
-        const bool taken = kMaterials.contains(name);
+        const bool taken = kMaterials.contains(name) && edit != "restore";
         auto fill = [=](QDialog *dialog) {
             if (auto *line = dialog->findChild<QLineEdit *>(QStringLiteral("lineEdit_name")))
                 line->setText(name);
@@ -501,9 +475,13 @@ private slots:
         } else if (edit == "deleteMaterial") {
             materialCombo->setCurrentIndex(kMaterials.indexOf(name));
             f.child<QAction>("action_deleteMaterial")->trigger();
-        } else {
+        } else if (edit == "move") {
             emit f.child<CMaterialListWidget>("listWidget_Material")
                 ->SortMaterialsRequested(kMaterials.indexOf(name), value.toInt());
+        } else {
+            answerBox(QMessageBox::Yes);
+            f.click("pushButton_default");
+            QCOMPARE(f.user(), f.store().FactoryLibrary());
         }
         auto texts = [&f](const char *name) {
             QStringList shown;
