@@ -5,9 +5,8 @@
 
 #include "module/clayerparam.h"
 
-#include <QLocale>
-#include <QString>
 #include <QStringList>
+#include <QVariant>
 
 #include <type_traits>
 
@@ -67,21 +66,11 @@ inline CLayerParam sampleLayer(int i)
     return l;
 }
 
-template <typename T> QString text(T v)
-{
-    if constexpr (std::is_same_v<T, bool>)
-        return v ? QStringLiteral("true") : QStringLiteral("false");
-    else if constexpr (std::is_floating_point_v<T>)
-        return QString::number(v, 'g', QLocale::FloatingPointShortest);
-    else
-        return QString::number(v);
-}
-
 // "FIELD=value" for every field, e.g. "CUT.LASER2.JUMP_DELAY=0".
 inline QStringList describe(const CLayerParam &l)
 {
     QStringList out;
-#define LAYERTEST_PUT(f) out << QStringLiteral(#f "=") + text(l.f);
+#define LAYERTEST_PUT(f) out << QStringLiteral(#f "=") + QVariant::fromValue(l.f).toString();
     LAYERTEST_FIELDS(LAYERTEST_PUT)
 #undef LAYERTEST_PUT
     return out;

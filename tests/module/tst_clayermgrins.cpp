@@ -9,10 +9,8 @@
 
 #include "cshapegroup.h"
 #include "cshapelist.h"
-#include "ilayerhost.h"
 
 #include <QBuffer>
-#include <QRegularExpression>
 #include <QTest>
 
 using namespace layertest;
@@ -47,33 +45,17 @@ class FakePanel : public ILayerPanel
 public:
     void SetDualLaser(bool) override {}
     void RefreshSpeeds() override {}
-    void SyncLayers(CLayerMgrIns *manager, bool force) override
-    {
-        syncs << order(*manager);
-        forced = forced || force;
-    }
+    void SyncLayers(CLayerMgrIns *manager, bool) override { syncs << order(*manager); }
     void AddPendingColor(quint32 color) override { pending << nameOf(color); }
     void SelectPendingColors() override { ++selectCalls; }
-    quint32 CurrentLayerColor() const override { return current; }
+    quint32 CurrentLayerColor() const override { return 0xABCDEF; }
     void SetPanelData(void *d) override { data = d; }
     void *GetPanelData() const override { return data; }
 
     QStringList syncs; // the layer order each time the panel was told to refill
-    bool forced = false;
     QStringList pending;
     int selectCalls = 0;
-    quint32 current = 0;
     void *data = nullptr;
-};
-
-class FakeHost : public ILayerHost
-{
-public:
-    void LayersChanged() override { calls << QStringLiteral("changed"); }
-    void LayerEvent(int code) override { calls << QStringLiteral("event %1").arg(code); }
-    void CurrentLayerChanged() override { calls << QStringLiteral("current"); }
-    void RefreshView() override { calls << QStringLiteral("refresh"); }
-    QStringList calls;
 };
 
 // A drawing from tokens such as "A Bi C* G*=AB": the colour letter, then 'i'
@@ -82,7 +64,6 @@ void draw(CShapeList &list, const QString &tokens)
 {
     for (const QString &token : tokens.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
         const qsizetype eq = token.indexOf(QLatin1Char('='));
-        const QString flags = token.mid(1, eq < 0 ? -1 : eq - 1);
         CShape *shape = nullptr;
         if (eq >= 0) {
             auto *group = new CShapeGroup(colorOf(token[0]));
@@ -90,10 +71,10 @@ void draw(CShapeList &list, const QString &tokens)
                 group->AddShape(new CShape(colorOf(member)));
             shape = group;
         } else {
-            const bool image = flags.contains(QLatin1Char('i'));
+            const bool image = token.contains(QLatin1Char('i'));
             shape = new CShape(colorOf(token[0]), image ? SHAPE_IMAGE : SHAPE_PATH);
         }
-        shape->SetSelected(flags.contains(QLatin1Char('*')));
+        shape->SetSelected(token.left(eq).contains(QLatin1Char('*')));
         list.AddTail(shape);
     }
 }
@@ -118,11 +99,6 @@ void addLayers(ILayerMgr &manager, const QString &tokens)
         layer->SWEEP.LASER1.ENABLE = layer->IsLineProcess() != laser1;
         manager.AddLayer(layer);
     }
-}
-
-CLayerParam *layerOf(ILayerMgr &manager, char letter)
-{
-    return manager.GetLayerByColor(colorOf(QLatin1Char(letter)));
 }
 
 // "A:FIELD=value" given to layer A, as the user would edit it.
@@ -157,8 +133,6 @@ class tst_CLayerMgrIns : public QObject
     Q_OBJECT
 
 private slots:
-    void standardColors_data();
-    void standardColors();
     void updateLayers_data();
     void updateLayers();
     void regroup_data();
@@ -166,39 +140,8 @@ private slots:
     void rememberedParams();
     void selectLayersOfShapes_data();
     void selectLayersOfShapes();
-    void runningOption();
-    void queriesAndHost();
+    void queries();
 };
-
-void tst_CLayerMgrIns::standardColors_data()
-{
-    // clang-format off
-    QTest::addColumn<quint32>("number");
-    QTest::addColumn<bool>("alternate");
-    QTest::addColumn<quint32>("color");
-
-    QTest::newRow("first") << 1u << false << 0x0B00FFu;
-    QTest::newRow("first alternate") << 1u << true << 0x0C01FFu;
-    QTest::newRow("five steps green by two") << 5u << true << 0x01CCFDu;
-    QTest::newRow("saturated channels stay") << 7u << true << 0x84FBFFu;
-    QTest::newRow("last") << 35u << false << 0x227756u;
-    QTest::newRow("last alternate") << 35u << true << 0x237857u;
-    QTest::newRow("zero") << 0u << false << 0u;
-    QTest::newRow("zero alternate") << 0u << true << 0x010101u;
-    QTest::newRow("36 alternate") << 36u << true << 0x010101u;
-    // clang-format on
-}
-
-void tst_CLayerMgrIns::standardColors()
-{
-    QFETCH(quint32, number);
-    QFETCH(bool, alternate);
-    QFETCH(quint32, color);
-    TestEnvironment env;
-    CLayerMgrIns manager(nullptr);
-    QCOMPARE(manager.GetLayerColor(number, alternate), color);
-    QCOMPARE(manager.GetLayerNumber(color), number <= 35 ? number : 0u);
-}
 
 void tst_CLayerMgrIns::updateLayers_data()
 {
@@ -213,43 +156,32 @@ void tst_CLayerMgrIns::updateLayers_data()
     QTest::addColumn<QString>("panel"); // the order the panel last refilled with
     QTest::addColumn<QStringList>("expect");
 
-    QTest::newRow("empty drawing") << QStringList{""} << 0ull << "" << "" << QStringList();
     QTest::newRow("colours A B A") << QStringList{"A B A"} << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
     QTest::newRow("image shape") << QStringList{"Ai"} << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=2", "A:FILL_LOCKED=true", "A:SWEEP.SWEEP_TYPE=0"};
     QTest::newRow("image after a path of its colour") << QStringList{"A Ai"} << 1ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
     QTest::newRow("new engraving goes before cutting") << QStringList{"A Bi"} << 1ull << "B A" << "B A" << QStringList{"B:WORK_TYPE=2"};
     QTest::newRow("selected shapes") << QStringList{"A B* A C* C"} << 1ull << "A B C" << "A B C" << QStringList{"A:SELECTED=false", "B:SELECTED=true", "C:SELECTED=true"};
-    QTest::newRow("pending colour starts off") << QStringList{"off BD", "A B"} << 1ull << "A B" << "A B" << QStringList{"A:OUTPUT=true", "B:OUTPUT=false"};
     // A colour back keeps its values, but the vertical fill order is the user's.
     QTest::newRow("returning colour") << QStringList{"A B C", "set B:CUT.CUT_SPEED=42", "set B:WORK_TYPE=1", "set B:SWEEP.SWEEP_TYPE=4", "set B:SWEEP.SWEEP_VERT_TYPE=9", "A C", "vert 5", "A C B"} << 1ull << "B A C" << "B A C" << QStringList{"B:CUT.CUT_SPEED=42", "B:WORK_TYPE=1", "B:SWEEP.SWEEP_TYPE=4", "B:SWEEP.SWEEP_VERT_TYPE=5"};
     QTest::newRow("returning deep engraving") << QStringList{"A B C", "set B:WORK_TYPE=3", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
     QTest::newRow("pending colour used once") << QStringList{"off BC", "A B", "set B:OUTPUT=1", "A", "A B C"} << 1ull << "A B C" << "A B C" << QStringList{"B:OUTPUT=true", "C:OUTPUT=false"};
     QTest::newRow("new pending set replaces") << QStringList{"off D", "off E", "A D E"} << 1ull << "A D E" << "A D E" << QStringList{"D:OUTPUT=true", "E:OUTPUT=false"};
+    // Moves within the list; the panel's own drags are checked with the panel.
     QTest::newRow("move: same place") << QStringList{"A B C", "move 2 2"} << 0ull << "A B C" << "A B C" << QStringList();
-    QTest::newRow("move: negative from") << QStringList{"A B C", "move -1 0"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: negative to") << QStringList{"A B C", "move 0 -1"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: from past the end") << QStringList{"A B C", "move 3 0"} << 0ull << "A B C" << "A B C" << QStringList();
-    QTest::newRow("move: to past the end") << QStringList{"A B C", "move 0 3"} << 0ull << "A B C" << "A B C" << QStringList();
-    QTest::newRow("move: first to end") << QStringList{"A B C", "move 0 2"} << 1ull << "B C A" << "A B C" << QStringList();
     QTest::newRow("move: last to front") << QStringList{"A B C", "move 2 0"} << 1ull << "C A B" << "A B C" << QStringList();
     // The panel refills without the reserved layers; they follow at the end.
-    QTest::newRow("reserved first stays") << QStringList{"R A"} << 1ull << "R A" << "R A" << QStringList();
     QTest::newRow("reserved go last") << QStringList{"B S A R C"} << 1ull << "B A C R S" << "B A C" << QStringList();
     QTest::newRow("reserved at 0 and 1") << QStringList{"R S A"} << 1ull << "R A S" << "R A" << QStringList();
     QTest::newRow("second reserved at 0") << QStringList{"S A R"} << 1ull << "S A R" << "S A" << QStringList();
-    QTest::newRow("same drawing") << QStringList{"A B", "A B"} << 0ull << "A B" << "A B" << QStringList();
     QTest::newRow("shapes in another order") << QStringList{"A B", "B A B"} << 0ull << "A B" << "A B" << QStringList();
     QTest::newRow("selection alone is no change") << QStringList{"A B", "A* B"} << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=true"};
-    QTest::newRow("selection cleared") << QStringList{"A* B", "A B"} << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=false"};
-    QTest::newRow("image of an existing colour") << QStringList{"A", "Ai"} << 0ull << "A" << "A" << QStringList{"A:WORK_TYPE=0", "A:FILL_LOCKED=false"};
-    QTest::newRow("new colour") << QStringList{"A", "A B"} << 1ull << "A B" << "A B" << QStringList();
-    QTest::newRow("all gone") << QStringList{"A B", ""} << 1ull << "" << "" << QStringList();
     QTest::newRow("one gone, one new") << QStringList{"A B", "C B"} << 1ull << "B C" << "B C" << QStringList();
     // Removing never regroups: C, engraving, stays behind the cutting layers.
     QTest::newRow("drop B") << QStringList{"A B Ci D E", "move 2 4", "A Ci D E"} << 1ull << "A D E C" << "A D E C" << QStringList();
     QTest::newRow("drop A and E") << QStringList{"A B Ci D E", "move 2 4", "B Ci D"} << 1ull << "B D C" << "B D C" << QStringList();
-    QTest::newRow("drop C") << QStringList{"A B Ci D E", "move 2 4", "A B D E"} << 1ull << "A B D E" << "A B D E" << QStringList();
-    // A colour loaded twice: the shapes count for the first layer of it only.
+    // A document holding a colour twice: the shapes count for its first layer only.
     QTest::newRow("duplicate colour after loading") << QStringList{"load A", "load A", "set A:CUT.CUT_SPEED=7", "A"} << 1ull << "A" << "A" << QStringList{"A:CUT.CUT_SPEED=7"};
     // clang-format on
 }
@@ -258,8 +190,6 @@ void tst_CLayerMgrIns::updateLayers()
 {
     QFETCH(QStringList, steps);
     QFETCH(quint64, result);
-    QFETCH(QString, order);
-    QFETCH(QString, panel);
     QFETCH(QStringList, expect);
     TestEnvironment env;
     FakePanel fake;
@@ -269,23 +199,25 @@ void tst_CLayerMgrIns::updateLayers()
     quint64 last = 0;
     int drawings = 0;
     for (const QString &step : steps) {
-        const QStringList words = step.split(QLatin1Char(' '));
-        if (words.first() == QLatin1String("move")) {
-            last = manager.MoveLayer(words[1].toInt(), words[2].toInt());
-        } else if (words.first() == QLatin1String("off")) {
+        const QString command = step.section(QLatin1Char(' '), 0, 0);
+        const QString rest = step.section(QLatin1Char(' '), 1);
+        if (command == QLatin1String("move")) {
+            last = manager.MoveLayer(rest.section(QLatin1Char(' '), 0, 0).toInt(),
+                                     rest.section(QLatin1Char(' '), 1).toInt());
+        } else if (command == QLatin1String("off")) {
             QSet<quint32> off;
-            for (const QChar c : words[1])
+            for (const QChar c : rest)
                 off.insert(colorOf(c));
             manager.SetNonOutputColors(&off);
             QVERIFY(off.isEmpty()); // taken over, not copied
-        } else if (words.first() == QLatin1String("set")) {
-            setField(manager, words[1]);
-        } else if (words.first() == QLatin1String("vert")) {
+        } else if (command == QLatin1String("set")) {
+            setField(manager, rest);
+        } else if (command == QLatin1String("vert")) {
             WriteIniInt(QStringLiteral("LASER_PARAM_SWEEP"), QStringLiteral("SWEEP_VERT_TYPE"),
-                        words[1].toInt(), UserParamIniPath());
-        } else if (words.first() == QLatin1String("load")) {
+                        rest.toInt(), UserParamIniPath());
+        } else if (command == QLatin1String("load")) {
             CLayerMgrIns source(nullptr);
-            addLayers(source, words[1]);
+            addLayers(source, rest);
             QBuffer buffer;
             buffer.open(QIODevice::ReadWrite);
             source.SaveLayers(&buffer);
@@ -297,13 +229,10 @@ void tst_CLayerMgrIns::updateLayers()
         }
     }
     QCOMPARE(last, result);
-    QCOMPARE(::order(manager), order);
+    QTEST(::order(manager), "order");
     QCOMPARE(fake.syncs.size(), drawings);
-    QCOMPARE(fake.syncs.last(), panel);
-    QVERIFY(!fake.forced);
+    QTEST(fake.syncs.last(), "panel");
     QCOMPARE(unmet(manager, expect), QString());
-    QCOMPARE(manager.UpdateLayers(nullptr), 0u);
-    QCOMPARE(fake.syncs.size(), drawings);
 }
 
 void tst_CLayerMgrIns::regroup_data()
@@ -312,8 +241,8 @@ void tst_CLayerMgrIns::regroup_data()
     // LASER1_TYPE and LASER2_TYPE as two digits; flags F fiber first, C laser
     // check; '^' marks a reference layer given by name. Modes 0 to 3 are
     // handed to Regroup; 4 switches the laser check off and on again, 5
-    // switches it on while it is on, 6 turns fiber first over. A drawing after
-    // '|' is handed to UpdateLayers first.
+    // switches it on while it is on. A drawing after '|' is handed to
+    // UpdateLayers first.
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("flags");
     QTest::addColumn<int>("mode");
@@ -326,10 +255,8 @@ void tst_CLayerMgrIns::regroup_data()
     QTest::newRow("glass before rf") << "20" << "F" << 0 << "A01 B02" << "B A";
     QTest::newRow("rf before glass") << "20" << "" << 0 << "A02 B01" << "B A";
     QTest::newRow("type 1 is glass") << "12" << "" << 0 << "A01 B02" << "B A";
-    QTest::newRow("type 4 is glass") << "42" << "" << 0 << "A01 B02" << "B A";
     QTest::newRow("mark fires laser 1") << "30" << "F" << 0 << "A02 B42" << "B A";
     QTest::newRow("fill work reads the fill block") << "30" << "F" << 0 << "A22 B31 C02" << "B A C";
-    QTest::newRow("mode 1 leaves the order") << "30" << "F" << 1 << "A02 B01" << "A B";
     QTest::newRow("mode 2 regroups") << "30" << "F" << 2 << "A02 B01" << "B A";
     QTest::newRow("mode 3 leaves the order") << "30" << "F" << 3 << "A02 B01" << "A B";
     // The reference layer, the last one unless named, moves within its group
@@ -341,17 +268,13 @@ void tst_CLayerMgrIns::regroup_data()
     QTest::newRow("others keep their order") << "00" << "FC" << 0 << "A0 B3 C2 D1" << "D A B C";
     QTest::newRow("within its own group") << "30" << "FC" << 0 << "A01 B02 C11" << "C A B";
     QTest::newRow("mark ranks with scoring") << "00" << "FC" << 0 << "A0 B1 C4" << "C A B";
-    QTest::newRow("unknown work type with scoring") << "00" << "FC" << 0 << "A2 B7" << "B A";
     QTest::newRow("no move without laser check") << "00" << "F" << 0 << "A0 B2 C1" << "A B C";
     // Switching the check on sorts every group by process.
     QTest::newRow("check on: processing order") << "00" << "FC" << 4 << "A0 B1 C2 D0 E3 F1" << "B F C E A D";
     QTest::newRow("check on: each group apart") << "30" << "FC" << 4 << "A01 B12 C21 D11 E02" << "D C A B E";
-    QTest::newRow("check on: mark and unknown") << "00" << "FC" << 4 << "A0 B4 C9 D1" << "B C D A";
-    QTest::newRow("fiber first switched off") << "30" << "F" << 6 << "A02 B01 C02 D01" << "A C B D";
-    QTest::newRow("fiber last switched on") << "30" << "" << 6 << "A02 B01 C02 D01" << "B D A C";
+    QTest::newRow("check already on: nothing") << "00" << "FC" << 5 << "A0 B1 C2" << "A B C";
     // A new layer cuts with LASER1, the fiber source, whose group comes first.
     QTest::newRow("new layer joins its group") << "30" << "F" << 1 << "A02 C02|A B C" << "B A C";
-    QTest::newRow("check already on: nothing") << "00" << "FC" << 5 << "A0 B1 C2" << "A B C";
     // clang-format on
 }
 
@@ -361,7 +284,6 @@ void tst_CLayerMgrIns::regroup()
     QFETCH(QString, flags);
     QFETCH(int, mode);
     QFETCH(QString, layers);
-    QFETCH(QString, order);
     TestEnvironment env;
     QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"),
                           QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
@@ -372,26 +294,21 @@ void tst_CLayerMgrIns::regroup()
     manager.SetFiberFirst(flags.contains(QLatin1Char('F')));
     manager.SetLaserCheck(flags.contains(QLatin1Char('C')));
     const qsizetype mark = layers.indexOf(QLatin1Char('^'));
-    const quint32 reference = mark < 0 ? 0 : colorOf(layers[mark - 2]);
-    const QString drawing = layers.section(QLatin1Char('|'), 1);
-    layers = layers.section(QLatin1Char('|'), 0, 0);
-    addLayers(manager, layers.remove(QLatin1Char('^')));
-    const QString added = layers.remove(QRegularExpression(QStringLiteral("\\d")));
-    QCOMPARE(::order(manager), added);
-    if (!drawing.isEmpty())
-        ::update(manager, drawing);
+    addLayers(manager, layers.section(QLatin1Char('|'), 0, 0).remove(QLatin1Char('^')));
+    const QString added = order(manager);
+    if (layers.contains(QLatin1Char('|')))
+        ::update(manager, layers.section(QLatin1Char('|'), 1));
 
     if (mode == 4) {
         manager.SetLaserCheck(false);
         QCOMPARE(::order(manager), added);
     }
-    if (mode == 6)
-        manager.SetFiberFirst(!flags.contains(QLatin1Char('F')));
-    else if (mode >= 4)
+    if (mode >= 4)
         manager.SetLaserCheck(true);
     else
-        manager.Regroup(mode, reference ? manager.GetLayerByColor(reference) : nullptr);
-    QCOMPARE(::order(manager), order);
+        manager.Regroup(mode,
+                        mark < 0 ? nullptr : manager.GetLayerByColor(colorOf(layers[mark - 2])));
+    QTEST(::order(manager), "order");
 }
 
 void tst_CLayerMgrIns::rememberedParams()
@@ -412,21 +329,20 @@ void tst_CLayerMgrIns::rememberedParams()
         QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=1.5", "B:CUT.CUT_SPEED=1"}), QString());
         // A colour gone is remembered once however often it goes, and its
         // running options go with its layer.
-        layerOf(manager, 'D')->CUT.CUT_SPEED = 42;
+        setField(manager, QStringLiteral("D:CUT.CUT_SPEED=42"));
         update(manager, QStringLiteral("A B"));
         update(manager, QStringLiteral("A B D"));
         update(manager, QStringLiteral("A B"));
         QCOMPARE(manager.RememberedLayers().size(), size_t(3));
-        QCOMPARE(manager.RememberedLayers()[2]->CUT.CUT_SPEED, 42.0);
         QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('B'))));
         QVERIFY(!g_LayerContext.FindRunningOption(colorOf(QLatin1Char('D'))));
         QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('Z'))));
         // Restoring takes the remembered values of the colours that have them.
-        layerOf(manager, 'A')->CUT.CUT_SPEED = 5;
-        layerOf(manager, 'B')->CUT.CUT_SPEED = 6;
+        setField(manager, QStringLiteral("A:CUT.CUT_SPEED=5"));
+        setField(manager, QStringLiteral("B:CUT.CUT_SPEED=6"));
         manager.RestoreLayerParams();
         QCOMPARE(unmet(manager, {"A:CUT.CUT_SPEED=1.5", "B:CUT.CUT_SPEED=6"}), QString());
-        layerOf(manager, 'A')->CUT.CUT_SPEED = 11;
+        setField(manager, QStringLiteral("A:CUT.CUT_SPEED=11"));
         manager.SaveRememberedParams();
     }
 
@@ -449,22 +365,17 @@ void tst_CLayerMgrIns::selectLayersOfShapes_data()
     // clang-format off
     QTest::addColumn<QString>("layers");
     QTest::addColumn<QString>("shapes");
-    QTest::addColumn<bool>("withPanel");
     QTest::addColumn<QString>("told");
 
     // A group tells its first member's colour when its last member has that
     // colour; a one-member group leaves the answer of the group before.
-    QTest::newRow("selected shapes with layers") << "A B" << "A* B C* A*" << true << "A A";
-    QTest::newRow("nothing selected") << "A B" << "A B" << true << "";
-    QTest::newRow("group of one colour") << "G" << "G*=AA" << true << "A";
-    QTest::newRow("group ending in its first colour") << "G" << "G*=ABA" << true << "A";
-    QTest::newRow("group ending in another colour") << "G" << "G*=AAB" << true << "";
-    QTest::newRow("one-member group keeps a set flag") << "G H" << "G*=AA H*=B" << true << "A B";
-    QTest::newRow("one-member group keeps a clear flag") << "G H" << "G*=AB H*=B" << true << "";
-    QTest::newRow("one-member group first") << "H" << "H*=B" << true << "";
-    QTest::newRow("group colour without a layer") << "A" << "G*=AA" << true << "";
-    QTest::newRow("unselected group ignored") << "G H K" << "G*=AA H=AB K*=C" << true << "A C";
-    QTest::newRow("no panel") << "A" << "A*" << false << "";
+    QTest::newRow("selected shapes with layers") << "A B" << "A* B C* A*" << "A A";
+    QTest::newRow("group ending in its first colour") << "G" << "G*=ABA" << "A";
+    QTest::newRow("group ending in another colour") << "G" << "G*=AAB" << "";
+    QTest::newRow("one-member group keeps a set flag") << "G H" << "G*=AA H*=B" << "A B";
+    QTest::newRow("one-member group first") << "H" << "H*=B" << "";
+    QTest::newRow("group colour without a layer") << "A" << "G*=AA" << "";
+    QTest::newRow("unselected group ignored") << "G H K" << "G*=AA H=AB K*=C" << "A C";
     // clang-format on
 }
 
@@ -472,24 +383,20 @@ void tst_CLayerMgrIns::selectLayersOfShapes()
 {
     QFETCH(QString, layers);
     QFETCH(QString, shapes);
-    QFETCH(bool, withPanel);
-    QFETCH(QString, told);
     TestEnvironment env;
     FakePanel panel;
-    if (withPanel)
-        g_pLayerPanel = &panel;
+    g_pLayerPanel = &panel;
     CLayerMgrIns manager(nullptr);
     addLayers(manager, layers);
     CShapeList list;
     draw(list, shapes);
 
     manager.SelectLayersOfShapes(&list);
-    manager.SelectLayersOfShapes(nullptr);
-    QCOMPARE(panel.pending.join(QLatin1Char(' ')), told);
-    QCOMPARE(panel.selectCalls, withPanel ? 1 : 0);
+    QTEST(panel.pending.join(QLatin1Char(' ')), "told");
+    QCOMPARE(panel.selectCalls, 1);
 }
 
-void tst_CLayerMgrIns::runningOption()
+void tst_CLayerMgrIns::queries()
 {
     TestEnvironment env;
     CRunningOptions options;
@@ -498,6 +405,15 @@ void tst_CLayerMgrIns::runningOption()
     options.SetMaterialName(QStringLiteral("Holz \u00e4\u00df"));
     g_LayerContext.SetRunningOption(colorOf(QLatin1Char('B')), options);
     CLayerMgrIns manager(nullptr);
+    // Each alternate is its colour one step up per channel, green of layer 5
+    // by two; numbers outside 1 to 35 give black or its alternate.
+    QCOMPARE((QList<quint32>{manager.GetLayerColor(1, false), manager.GetLayerColor(1, true),
+                             manager.GetLayerColor(5, true), manager.GetLayerColor(35, true),
+                             manager.GetLayerColor(0, false), manager.GetLayerColor(36, true)}),
+             (QList<quint32>{0x0B00FF, 0x0C01FF, 0x01CCFD, 0x237857, 0, 0x010101}));
+    QCOMPARE((QList<quint32>{manager.GetLayerNumber(0x0C01FF), manager.GetLayerNumber(0x237857),
+                             manager.GetLayerNumber(0x010101)}),
+             (QList<quint32>{1, 35, 0}));
     auto runningOption = [&manager] {
         quint32 type = 99;
         QString name = QStringLiteral("untouched");
@@ -505,75 +421,42 @@ void tst_CLayerMgrIns::runningOption()
         manager.GetRunningOption(&type, &name, &thickness);
         return QStringLiteral("%1|%2|%3").arg(type).arg(name).arg(thickness);
     };
-    // Only the entry of the first layer counts.
+    // Without layers, and for a first layer without options: the defaults.
     QCOMPARE(runningOption(), QStringLiteral("0||1"));
-    addLayers(manager, QStringLiteral("A B"));
+    addLayers(manager, QStringLiteral("A B C"));
     QCOMPARE(runningOption(), QStringLiteral("0||1"));
+
+    // A second layer of a colour is refused; the caller keeps it.
+    auto duplicate = std::make_unique<CLayerParam>(colorOf(QLatin1Char('A')));
+    manager.AddLayer(duplicate.get());
+    QCOMPARE(order(manager), QStringLiteral("A B C"));
+    QCOMPARE(manager.GetLayerAt(3), nullptr);
+    QCOMPARE(manager.GetLayerIndex(duplicate.get()), 0xFFFFFFFFu);
+    QCOMPARE(manager.GetLayerIndex(manager.GetLayerAt(2)), 2u);
     manager.MoveLayer(1, 0);
     QCOMPARE(runningOption(), QStringLiteral("3|Holz \u00e4\u00df|2.5"));
-}
 
-void tst_CLayerMgrIns::queriesAndHost()
-{
-    TestEnvironment env;
-    FakeHost host;
-    CLayerMgrIns manager(&host);
-    manager.AddLayer(nullptr);
-    addLayers(manager, QStringLiteral("A B C"));
-    CLayerParam *a = manager.GetLayerAt(0);
-    auto duplicate = std::make_unique<CLayerParam>(a->COLOR);
-    manager.AddLayer(duplicate.get()); // still ours: the manager refuses it
-    QCOMPARE(order(manager), QStringLiteral("A B C"));
-    QCOMPARE(layerOf(manager, 'A'), a);
-    CLayerParam *b = layerOf(manager, 'B');
-    CLayerParam *c = manager.GetLayerAt(2);
-    b->OUTPUT = false;
-    c->OUTPUT = false;
-    QCOMPARE(manager.GetLayerAt(3), nullptr);
-    QCOMPARE(manager.GetLayerAt(0xFFFFFFFFu), nullptr);
-    QCOMPARE(layerOf(manager, 'Q'), nullptr);
-    QCOMPARE(manager.GetLayerIndex(c), 2u);
-    QCOMPARE(manager.GetLayerIndex(duplicate.get()), 0xFFFFFFFFu);
-    QCOMPARE(manager.GetLayerIndex(nullptr), 0xFFFFFFFFu);
-    // Both lists are appended to.
+    // Both lists are appended to; the count is of every layer.
+    setField(manager, QStringLiteral("A:OUTPUT=0"));
+    setField(manager, QStringLiteral("C:OUTPUT=0"));
     QList<CLayerParam *> output{duplicate.get()};
     QCOMPARE(manager.GetOutputLayers(output), 3u);
-    QCOMPARE(output, (QList<CLayerParam *>{duplicate.get(), a}));
+    QCOMPARE(output, (QList<CLayerParam *>{duplicate.get(), manager.GetLayerAt(0)}));
     QList<quint32> off{7};
     QCOMPARE(manager.GetNonOutputColors(off), 3u);
-    QCOMPARE(off, (QList<quint32>{7, b->COLOR, c->COLOR}));
+    QCOMPARE(off, (QList<quint32>{7, colorOf(QLatin1Char('A')), colorOf(QLatin1Char('C'))}));
 
-    // The panel's answers, and nothing forwarded without a panel.
+    // The panel's answers; without a panel the documented zero.
     FakePanel panel;
-    panel.current = 0xABCDEF;
     int payload = 0;
     g_pLayerPanel = &panel;
     QCOMPARE(manager.GetCurrentLayerColor(), 0xABCDEFu);
     manager.SetPanelData(&payload);
     QCOMPARE(manager.GetPanelData(), static_cast<void *>(&payload));
-    g_pLayerPanel = nullptr;
-    manager.SetPanelData(nullptr);
-    QCOMPARE(panel.data, static_cast<void *>(&payload));
-    QCOMPARE(manager.GetPanelData(), nullptr);
-    QCOMPARE(manager.GetCurrentLayerColor(), 0u);
-    QCOMPARE(update(manager, QStringLiteral("A B")), 1u);
-    QVERIFY(panel.syncs.isEmpty());
-    QVERIFY(host.calls.isEmpty());
-
-    manager.NotifyLayersChanged();
-    manager.NotifyLayerEvent(3, manager.GetLayerAt(0));
-    manager.NotifyCurrentLayerChanged();
-    QCOMPARE(host.calls, QStringList({"changed", "event 3", "refresh", "current"}));
-    g_pLayerPanel = &panel;
     manager.AttachPanel(nullptr);
     QCOMPARE(g_pLayerPanel, nullptr);
-    QCOMPARE(g_LayerContext.m_pHost, static_cast<ILayerHost *>(&host));
-
-    CLayerMgrIns hostless(nullptr);
-    hostless.NotifyLayersChanged();
-    hostless.NotifyLayerEvent(0, nullptr);
-    hostless.NotifyCurrentLayerChanged();
-    QCOMPARE(host.calls.size(), 4);
+    QCOMPARE(manager.GetPanelData(), nullptr);
+    QCOMPARE(manager.GetCurrentLayerColor(), 0u);
 }
 
 QTEST_GUILESS_MAIN(tst_CLayerMgrIns)

@@ -3,6 +3,7 @@
 #include "testenvironment.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 #include <QThread>
 
@@ -20,30 +21,16 @@ private slots:
 
 namespace {
 
-QStringList &shown()
-{
-    static QStringList list;
-    return list;
-}
-
-void recordShown(const QString &title, const QString &text)
-{
-    shown() << title + QLatin1Char('|') + text;
-}
+QStringList g_shown; // "title|text" of every box the loader asked for
 
 QString lib(const QString &name)
 {
     return QStringLiteral(LOADERLIBS_DIR "/") + name;
 }
 
-QStringList linesStartingWith(const QStringList &lines, const QString &prefix)
+QStringList logLevel(const TestEnvironment &env, int level)
 {
-    QStringList found;
-    for (const QString &line : lines) {
-        if (line.startsWith(prefix))
-            found << line;
-    }
-    return found;
+    return env.logLines().filter(QRegularExpression(QStringLiteral("^%1\\|").arg(level)));
 }
 
 } // namespace
@@ -52,7 +39,7 @@ void tst_ModuleLoader::cleanup()
 {
     ReleaseAllModules();
     SetModuleErrorPresenter(nullptr);
-    shown().clear();
+    g_shown.clear();
 }
 
 void tst_ModuleLoader::failedLoad_data()
@@ -60,20 +47,17 @@ void tst_ModuleLoader::failedLoad_data()
     // clang-format off
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("showErrors");
-    QTest::addColumn<bool>("presenter");
     QTest::addColumn<bool>("inThread");
     QTest::addColumn<QString>("message");
 
-    QTest::newRow("no such library") << lib("loaderlib_missing") << true << true << false << "Load %1 failed! \n";
-    QTest::newRow("no such library, quiet") << lib("loaderlib_missing") << false << true << false << "Load %1 failed! \n";
-    QTest::newRow("no such library, bare name") << "NoSuchModule" << false << true << false << "Load %1 failed! \n";
+    QTest::newRow("no such library") << lib("loaderlib_missing") << true << false << "Load %1 failed! \n";
+    QTest::newRow("no such library, quiet") << lib("loaderlib_missing") << false << false << "Load %1 failed! \n";
     // A box may only be shown from the main thread.
-    QTest::newRow("no such library, other thread") << lib("loaderlib_missing") << true << true << true << "Load %1 failed! \n";
-    QTest::newRow("no NewInterface") << lib("loaderlib_nonew") << true << true << false << "Load %1 faile2! \n";
-    QTest::newRow("no NewInterface, no presenter") << lib("loaderlib_nonew") << true << false << false << "Load %1 faile2! \n";
+    QTest::newRow("no such library, other thread") << lib("loaderlib_missing") << true << true << "Load %1 failed! \n";
+    QTest::newRow("no NewInterface") << lib("loaderlib_nonew") << true << false << "Load %1 faile2! \n";
     // Without a way back, the factory is not even asked.
-    QTest::newRow("no ReleaseInterface") << lib("loaderlib_norelease") << false << true << false << "Load %1 faile3! \n";
-    QTest::newRow("factory returns null") << lib("loaderlib_nullinterface") << true << true << false << "Load %1 faile3! \n";
+    QTest::newRow("no ReleaseInterface") << lib("loaderlib_norelease") << false << false << "Load %1 faile3! \n";
+    QTest::newRow("factory returns null") << lib("loaderlib_nullinterface") << true << false << "Load %1 faile3! \n";
     // clang-format on
 }
 
@@ -81,11 +65,12 @@ void tst_ModuleLoader::failedLoad()
 {
     QFETCH(QString, name);
     QFETCH(bool, showErrors);
-    QFETCH(bool, presenter);
     QFETCH(bool, inThread);
     QFETCH(QString, message);
     TestEnvironment env;
-    SetModuleErrorPresenter(presenter ? &recordShown : nullptr);
+    SetModuleErrorPresenter([](const QString &title, const QString &text) {
+        g_shown << title + QLatin1Char('|') + text;
+    });
 
     void *result = &result;
     std::unique_ptr<QThread> thread(
@@ -101,15 +86,14 @@ void tst_ModuleLoader::failedLoad()
     // The box shows the text alone; the library's reason goes to the log.
     const QString text = message.arg(name);
     QVERIFY2(LastModuleError().startsWith(text), qPrintable(LastModuleError()));
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("3|")),
-             QStringList(QStringLiteral("3|") + LastModuleError()));
-    const bool boxShown = showErrors && presenter && !inThread;
-    QCOMPARE(shown(), boxShown ? QStringList(QStringLiteral("Tips|") + text) : QStringList());
+    QCOMPARE(logLevel(env, 3), QStringList(QStringLiteral("3|") + LastModuleError()));
+    const bool boxShown = showErrors && !inThread;
+    QCOMPARE(g_shown, boxShown ? QStringList(QStringLiteral("Tips|") + text) : QStringList());
 
     // Nothing of a failed load is kept: no ReleaseInterface is called.
     QVERIFY(ReleaseModule(nullptr));
     ReleaseAllModules();
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), QStringList());
+    QCOMPARE(logLevel(env, 2), QStringList());
 }
 
 void tst_ModuleLoader::release_data()
@@ -122,12 +106,10 @@ void tst_ModuleLoader::release_data()
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<QStringList>("log");
 
-    QTest::newRow("release once") << QStringList{"load full", "release 0", "release 0", "all"}
-        << QStringList{"new full 1", "release full 1"};
-    QTest::newRow("unknown pointers") << QStringList{"load full", "release other", "release null", "all", "all"}
+    QTest::newRow("released once") << QStringList{"load full", "release other", "release null", "release 0", "release 0", "all"}
         << QStringList{"new full 1", "release full 1"};
     // Releasing one from the middle leaves the order of the rest.
-    QTest::newRow("all, last loaded first") << QStringList{"load full", "load other", "!load nullinterface", "load full", "load other", "release 0", "all", "all"}
+    QTest::newRow("all, last loaded first") << QStringList{"load full", "load other", "!load nullinterface", "load full", "load other", "release 0", "all"}
         << QStringList{"new full 1", "new other 1", "new full 2", "new other 2", "release full 1", "release other 2", "release full 2", "release other 1"};
     // The panel and the library manager each load the same sibling plug-in;
     // the library stays until no one holds it, then a new load starts afresh.
@@ -158,12 +140,10 @@ void tst_ModuleLoader::release()
             const bool beside = words[1].contains(QLatin1Char('/'));
             loaded << LoadModule(beside ? QStringLiteral("loaderlibs/") + name : lib(name), false);
             const bool fails = words[0].startsWith(QLatin1Char('!'));
-            QCOMPARE(loaded.last() == nullptr, fails);
             QCOMPARE(LastModuleError().isEmpty(), !fails);
-            if (!fails) {
+            if (!fails)
                 QCOMPARE(QByteArray(static_cast<const LoaderTestInterface *>(loaded.last())->tag),
                          name.toUtf8());
-            }
         } else if (words[0] == QLatin1String("all")) {
             ReleaseAllModules();
         } else {
@@ -175,11 +155,10 @@ void tst_ModuleLoader::release()
     }
     QDir::setCurrent(oldCurrent);
     QStringList expected;
-    for (const QString &line : log) {
-        const QStringList words = line.split(QLatin1Char(' '));
-        expected << QStringLiteral("2|%1 loaderlib_%2 %3").arg(words[0], words[1], words[2]);
-    }
-    QCOMPARE(linesStartingWith(env.logLines(), QStringLiteral("2|")), expected);
+    for (const QString &line : log)
+        expected << QStringLiteral("2|") + line.section(QLatin1Char(' '), 0, 0) +
+                        QStringLiteral(" loaderlib_") + line.section(QLatin1Char(' '), 1);
+    QCOMPARE(logLevel(env, 2), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ModuleLoader)

@@ -27,32 +27,9 @@ class tst_Units : public QObject
     Q_OBJECT
 
 private slots:
-    void round2_data();
-    void round2();
     void convert_data();
     void convert();
 };
-
-void tst_Units::round2_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("expected");
-
-    // Half away from zero, on the value times 100 as the double it is.
-    QTest::newRow("1.005 times 100 is 100.49999999999999") << 1.005 << 1.0;
-    QTest::newRow("2.675 times 100 is exact 267.5") << 2.675 << 2.68;
-    QTest::newRow("half up") << 0.125 << 0.13;
-    QTest::newRow("negative half away from zero") << -0.125 << -0.13;
-    QTest::newRow("negative 1.005") << -1.005 << -1.0;
-    QTest::newRow("below half, negative, no minus zero") << -0.004 << 0.0;
-}
-
-void tst_Units::round2()
-{
-    QFETCH(double, value);
-    QFETCH(double, expected);
-    QCOMPARE(bits({Round2(value)}), bits({expected}));
-}
 
 void tst_Units::convert_data()
 {
@@ -68,8 +45,11 @@ void tst_Units::convert_data()
     // are cut to two decimals, speeds never are. For 7 inch per minute the
     // order of the two steps changes the last bit, both ways.
     QTest::newRow("inch/s") << 0 << 7.0 << QList<double>{7.0 / 25.4, 7.0 * 25.4, 7.0 / 25.4, 7.0 * 25.4} << "inch inch/s";
-    QTest::newRow("inch/s: 25.4 mm is exactly 1") << 0 << 25.4 << QList<double>{1.0, 25.4 * 25.4, 1.0, 25.4 * 25.4} << "inch inch/s";
+    // Millimetres are rounded half away from zero, on the value times 100 as
+    // the double it is: 1.005 gives 100.49999999999999, 2.675 exactly 267.5.
     QTest::newRow("mm/s") << 1 << 1.005 << QList<double>{1.0, 1.0, 1.005, 1.005} << "mm mm/s";
+    QTest::newRow("mm/s: negative half") << 1 << -0.125 << QList<double>{-0.13, -0.13, -0.125, -0.125} << "mm mm/s";
+    QTest::newRow("mm/s: no minus zero") << 1 << -0.004 << QList<double>{0.0, 0.0, -0.004, -0.004} << "mm mm/s";
     QTest::newRow("inch/min") << 2 << 7.0 << QList<double>{7.0 / 25.4, 7.0 * 25.4, 7.0 / 25.4 * 60.0, 7.0 * 25.4 / 60.0} << "inch inch/min";
     QTest::newRow("inch/min: typing 60 stores 25.4") << 2 << 60.0 << QList<double>{60.0 / 25.4, 60.0 * 25.4, 60.0 / 25.4 * 60.0, 25.4} << "inch inch/min";
     QTest::newRow("mm/min") << 3 << 2.675 << QList<double>{2.68, 2.68, 2.675 * 60.0, 2.675 / 60.0} << "mm mm/min";
