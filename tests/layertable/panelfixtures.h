@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ctranslator.h"
 #include "ilayerhost.h"
 
 #include <QString>
@@ -18,25 +17,6 @@ public:
     void RefreshView() override { calls << QStringLiteral("RefreshView"); }
 
     QStringList calls;
-};
-
-// Switches the host's language to one of the wording folders of the source
-// tree and back to English when it goes.
-class LanguageGuard
-{
-public:
-    explicit LanguageGuard(const QString &language)
-    {
-        CTranslator::GetInstance()->SetResourceDir(QStringLiteral(LAYERMGR_SOURCE_DIR "/resources"));
-        CTranslator::GetInstance()->SetLanguage(language);
-    }
-    ~LanguageGuard()
-    {
-        CTranslator::GetInstance()->SetLanguage(QString());
-        CTranslator::GetInstance()->SetResourceDir(QString());
-    }
-    LanguageGuard(const LanguageGuard &) = delete;
-    LanguageGuard &operator=(const LanguageGuard &) = delete;
 };
 
 } // namespace paneltest

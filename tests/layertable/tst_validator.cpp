@@ -1,4 +1,3 @@
-#include "panelfixtures.h"
 #include "support/validator.h"
 #include "testenvironment.h"
 
@@ -9,8 +8,6 @@
 
 #include <limits>
 #include <memory>
-
-using namespace paneltest;
 
 namespace {
 
@@ -35,9 +32,8 @@ std::unique_ptr<Validator> build(QLineEdit *edit, const Bounds &b)
 
 void leave(QLineEdit *edit, QEvent::Type type = QEvent::FocusOut)
 {
-    QFocusEvent focusOut(QEvent::FocusOut, Qt::OtherFocusReason);
-    QEvent other(type);
-    QCoreApplication::sendEvent(edit, type == QEvent::FocusOut ? &focusOut : &other);
+    QFocusEvent event(type, Qt::OtherFocusReason);
+    QCoreApplication::sendEvent(edit, &event);
 }
 
 class DerivedLineEdit : public QLineEdit
@@ -45,10 +41,11 @@ class DerivedLineEdit : public QLineEdit
     Q_OBJECT
 };
 
+constexpr int kInt = Validator::CHECK_INT_RANGE;
 const Bounds kSpeed{Validator::CHECK_DOUBLE_RANGE, 0.0, 200.0, 2, Validator::VALUE_SPEED};
 const Bounds kPower{Validator::CHECK_DOUBLE_RANGE, 0.1, 100.0, 1, Validator::VALUE_PLAIN};
 const Bounds kLength{Validator::CHECK_DOUBLE_RANGE, 0.0, 20.0, 2, Validator::VALUE_LENGTH};
-const Bounds kCount{Validator::CHECK_INT_RANGE, 1, 100, 0, Validator::VALUE_PLAIN};
+const Bounds kCount{kInt, 1, 100, 0, Validator::VALUE_PLAIN};
 const Bounds kText{Validator::CHECK_TEXT_LENGTH, 0, 20, 0, Validator::VALUE_PLAIN};
 const char *const kSpeedRange = "Input range 0 to 200 ,2 decimal places";
 const char *const kCountRange = "Input range 1 to 100";
@@ -82,33 +79,27 @@ private slots:
         row("mm/min speed inside", 3, kSpeed, "150", "150");
         // The upper test uses the stored 200 mm/s, so the displayed maximum fails.
         row("mm/min speed at displayed maximum", 3, kSpeed, "12000", "0", "Input range 0 to 12000 ,2 decimal places");
-        row("mm/s speed above maximum", 1, kSpeed, "250", "0", kSpeedRange);
         row("mm/s speed on pointer leaving", 1, kSpeed, "250", "0", kSpeedRange, QEvent::Leave);
         row("no cfg.ini means mm/s", -1, kSpeed, "201", "0", kSpeedRange);
         row("unknown unit shows mm/s", 9, kSpeed, "201", "0", kSpeedRange);
         row("inch/s speed below minimum", 0, kSpeed, "-1", "0", "Input range 0 to 7.87402 ,2 decimal places");
         row("inch/min speed below minimum", 2, kSpeed, "-0.5", "0", "Input range 0 to 472.441 ,2 decimal places");
-        row("percent sign ignored", 1, kPower, "50%", "50%");
         row("percent sign over range", 1, kPower, " 150% ", "0.1", "Input range 0.1 to 100 ,1 decimal places");
         row("reset value given", 1, {Validator::CHECK_DOUBLE_RANGE, 0.1, 100.0, 1, Validator::VALUE_PLAIN, 50.0}, "150", "50",
             "Input range 0.1 to 100 ,1 decimal places");
         row("inch length rounded to hundredths", 0, kLength, "-3", "0", "Input range 0 to 0.79 ,2 decimal places");
-        row("inch/min length rounded to hundredths", 2, kLength, "-3", "0", "Input range 0 to 0.79 ,2 decimal places");
-        row("mm length inside", 3, kLength, "19.99", "19.99");
         row("unknown unit length as mm", 7, kLength, "-3", "0", "Input range 0 to 20 ,2 decimal places");
         row("garbage float left alone", 1, kSpeed, "abc", "abc");
         row("garbage nan reset", 1, kSpeed, "nan", "0", kSpeedRange);
-        row("garbage inf reset", 1, kSpeed, "inf", "0", kSpeedRange);
-        row("integer empty", 1, kCount, "", "1", kCountRange);
         // Leaving keeps it; the range shown is the one the edit's own check gave.
         row("integer above maximum stays", 1, kCount, "500", "500", kCountRange);
         row("integer below minimum", 1, kCount, "0", "1", kCountRange, QEvent::Leave);
         row("integer garbage", 1, kCount, "12ab", "1", kCountRange);
-        row("integer inch length", 0, {Validator::CHECK_INT_RANGE, 0, 4000, 0, Validator::VALUE_LENGTH}, "-2", "0", "Input range 0 to 157");
-        row("integer mm/min speed", 3, {Validator::CHECK_INT_RANGE, 0, 200, 0, Validator::VALUE_SPEED}, "-5", "0", "Input range 0 to 12000");
-        row("integer inch/min speed", 2, {Validator::CHECK_INT_RANGE, 10, 200, 0, Validator::VALUE_SPEED}, "", "23", "Input range 23 to 472");
-        row("integer inch/s speed", 0, {Validator::CHECK_INT_RANGE, 0, 200, 0, Validator::VALUE_SPEED}, "-5", "0", "Input range 0 to 7");
-        row("garbage huge mm/min saturates", 3, {Validator::CHECK_INT_RANGE, 0, 2000000000, 0, Validator::VALUE_SPEED}, "-5", "0",
+        row("integer inch length", 0, {kInt, 0, 4000, 0, Validator::VALUE_LENGTH}, "-2", "0", "Input range 0 to 157");
+        row("integer mm/min speed", 3, {kInt, 0, 200, 0, Validator::VALUE_SPEED}, "-5", "0", "Input range 0 to 12000");
+        row("integer inch/min speed", 2, {kInt, 10, 200, 0, Validator::VALUE_SPEED}, "", "23", "Input range 23 to 472");
+        row("integer inch/s speed", 0, {kInt, 0, 200, 0, Validator::VALUE_SPEED}, "-5", "0", "Input range 0 to 7");
+        row("garbage huge mm/min saturates", 3, {kInt, 0, 2000000000, 0, Validator::VALUE_SPEED}, "-5", "0",
             "Input range 0 to 2147483647");
         // Typed key by key.
         row("mm/min speed up to displayed maximum", 3, kSpeed, "12000", "12000", "", QEvent::None);
@@ -124,7 +115,6 @@ private slots:
         row("text up to its limit", 3, kText, "abcdefghijklmnopqrst", "abcdefghijklmnopqrst", "", QEvent::None);
         row("text beyond its limit", 3, kText, "abcdefghijklmnopqrstu", "abcdefghijklmnopqrst",
             "Maximum text length exceeded: 20", QEvent::None);
-        row("text left alone on leaving", 1, kText, "abc", "abc");
     }
 
     void correction()
@@ -154,41 +144,15 @@ private slots:
         QTEST(validator->LastMessage(), "message");
     }
 
-    void messagesAreTranslated()
+    // Only plain line edits are corrected.
+    void onlyPlainEditsCorrected()
     {
         TestEnvironment env;
-        LanguageGuard chinese(QStringLiteral("Chs"));
-        QLineEdit integer, floating;
-        auto count = build(&integer, kCount);
-        auto speed = build(&floating, kSpeed);
-        floating.setText(QStringLiteral("300"));
-        leave(&integer);
-        leave(&floating);
-        QCOMPARE(count->LastMessage() + QLatin1Char('|') + speed->LastMessage(), QStringLiteral("输入范围 1 至 100|输入范围 0 至 200 ,2 位小数"));
-    }
-
-    void noPlainEditNoCorrection()
-    {
-        TestEnvironment env;
-        auto integer = build(nullptr, kCount);
-        QString text = QStringLiteral("500");
-        int pos = 3;
-        QCOMPARE(integer->validate(text, pos), QValidator::Intermediate);
-        auto limit = build(nullptr, {Validator::CHECK_TEXT_LENGTH, 0, 2});
-        QCOMPARE(limit->validate(text, pos), QValidator::Invalid);
-        QCOMPARE(integer->LastMessage() + limit->LastMessage(), QString());
-
-        // It filters no edit either, even when installed by hand; only plain line edits are corrected.
-        QLineEdit edit;
-        edit.installEventFilter(integer.get());
         DerivedLineEdit derived;
-        auto ofDerived = build(&derived, kCount);
-        for (QLineEdit *e : {static_cast<QLineEdit *>(&edit), static_cast<QLineEdit *>(&derived)}) {
-            e->setText(QStringLiteral("0"));
-            leave(e);
-            QCOMPARE(e->text(), QStringLiteral("0"));
-        }
-        QCOMPARE(ofDerived->LastMessage(), QString());
+        auto validator = build(&derived, kCount);
+        derived.setText(QStringLiteral("0"));
+        leave(&derived);
+        QCOMPARE(derived.text() + validator->LastMessage(), QStringLiteral("0"));
     }
 
     void tipShownThenHidden()
@@ -199,7 +163,7 @@ private slots:
         edit.show();
         QVERIFY(QTest::qWaitForWindowExposed(&edit));
         auto integer = build(&edit, kCount);
-        QCOMPARE(integer->SetTipOffset(QPoint(5, 6)), integer.get());
+        integer->SetTipOffset(QPoint(5, 6));
         edit.setText(QStringLiteral("0"));
         leave(&edit);
         QCOMPARE(edit.text(), QStringLiteral("1"));
