@@ -64,7 +64,6 @@ private slots:
         const QStringList check{"check", "@/in"}, generate{"generate", "@/in", "@/swatches", "@/new/lib.json"};
         const QByteArray none = "<none>";
         row("help", {"--help"}, none, 0, "Usage: layermgr-lib COMMAND");
-        row("no command", {}, none, 2, "no command\n");
         row("unknown command", {"verify", "x"}, none, 2, "unknown command \"verify\"\n");
         row("check without file", {"check"}, none, 2, "check takes 1 argument\n");
         row("rewrite with one file", {"rewrite", "a"}, none, 2, "rewrite takes 2 arguments\n");

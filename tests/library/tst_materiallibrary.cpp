@@ -99,8 +99,6 @@ private slots:
         row("add to a new pair: a user power, thicknesses once",
             [](L &l) { return l.AddMaterial(libMaterial("N", {2, 2.0000001, kNan, 1}, 4, 10)); }, 1,
             "0/80 2/60 4/10u | 0/80: A(1) B(1:034) C(1) D(1) 2/60: X(1) Y(1) B(1:03) 4/10: N(2,1) #5");
-        row("add a thickness within 1e-6", [](L &l) { return l.AddThickness(0, 80, "B", 1.0000005); }, 0, same);
-        row("garbage: add a NaN thickness", [](L &l) { return l.AddThickness(0, 80, "B", kNan); }, 0, same);
         row("remove a thickness and its sets", [](L &l) { return l.RemoveThickness(0, 80, "B", 1.0000003); }, 1,
             "0/80 2/60 | 0/80: A(1) B() C(1) D(1) 2/60: X(1) Y(1) B(1:03) #2");
         row("add a power", [](L &l) { return l.AddPower(0, 45, true) && l.AddPower(3, 20, false); }, 1,
@@ -113,8 +111,6 @@ private slots:
         row("clone a pair", [](L &l) { return l.ClonePair(2, 60, 0, 100); }, 3,
             "0/80 0/100u 2/60 | 0/80: A(1) B(1:034) C(1) D(1) 2/60: X(1) Y(1) B(1:03) 0/100: X(1) Y(1) B(1:03) #7");
         row("clone onto a pair with materials", [](L &l) { return l.ClonePair(2, 60, 0, 80); }, 0, same);
-        row("remove a set within 1e-6", [](L &l) { return l.RemoveSet(libKey("B", 1.0000009, 3, 0, 80)); }, 1,
-            "0/80 2/60 | 0/80: A(1) B(1:04) C(1) D(1) 2/60: X(1) Y(1) B(1:03) #4");
         row("a new set", [](L &l) { return l.SetCutSet(sampleCutSet(libKey("A", 1, 1, 0, 80))); }, 1,
             "0/80 2/60 | 0/80: A(1:1) B(1:034) C(1) D(1) 2/60: X(1) Y(1) B(1:03) #6");
         row("garbage: cut set as shallow", [](L &l) { return l.SetCutSet(sampleCutSet(libKey("A", 1, 2, 0, 80))); }, 0, same);
@@ -123,7 +119,6 @@ private slots:
         row("find: NaN thickness", [](L &l) { return l.HasSet(libKey("B", kNan, 0, 0, 80)); }, 0, same);
         row("insert keeps the set there", [](L &l) { return l.InsertCutSetIfAbsent(changedCut()) && l.FindCutSet(changedCut().key)->speed == 12.5; }, 1, same);
         row("set replaces the set there", [](L &l) { return l.SetCutSet(changedCut()) && l.FindCutSet(changedCut().key)->speed == 99; }, 1, same);
-        row("clear", [](L &l) { l.Clear(); return l.IsEmpty() && l.Version() == QJsonValue(0); }, 1, "| #0");
     }
 
     // Every material stays in one run per pair, found where the list has it.

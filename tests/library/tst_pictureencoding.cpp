@@ -98,8 +98,6 @@ private slots:
         QTest::newRow("embedded picture wins") << QString::fromLatin1(png.toBase64()) << "/Res/Icon/blue.png" << QSize(2, 1);
         QTest::newRow("path below the resources") << QString() << "/Res/Icon/blue.png" << QSize(6, 6);
         QTest::newRow("garbage base64 falls back to the path") << QStringLiteral("!!not base64!!") << "Res/Icon/blue.png" << QSize(6, 6);
-        QTest::newRow("missing file") << QString() << "/Res/Icon/none.png" << QSize(0, 0);
-        QTest::newRow("nothing") << QStringLiteral("bm90IGFuIGltYWdl") << QString() << QSize(0, 0);
     }
 
     void materialPicture()
