@@ -9,7 +9,7 @@
 
 #include <QBuffer>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QProcess>
 
 inline CLibKey libKey(const QString &material, double thickness, quint32 craft, quint32 tube = 2,
                       qint32 power = 60)
@@ -62,11 +62,6 @@ inline CMaterialLibrary sampleLibrary()
     return library;
 }
 
-inline QJsonObject jsonObject(const QByteArray &text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
-
 inline QByteArray jsonBytes(const CMaterialLibrary &library)
 {
     return QJsonDocument(MaterialLibraryToJson(library)).toJson();
@@ -83,4 +78,23 @@ inline CMaterialLibrary readBytes(const QByteArray &bytes, LibraryReadResult *re
     if (result)
         *result = read;
     return library;
+}
+
+struct ToolRun
+{
+    int exitCode = -1; // -1: crashed or hung
+    QString out;
+    QString err;
+};
+
+// The command-line tool, run in `dir` (the current folder when empty).
+inline ToolRun runTool(const QStringList &arguments, const QString &dir = QString())
+{
+    QProcess process;
+    process.setWorkingDirectory(dir);
+    process.start(QStringLiteral(LAYERMGR_BUILD_BIN "/layermgr-lib"), arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
+        return {};
+    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
 }

@@ -2,7 +2,6 @@
 #include "library/crunningoptions.h"
 #include "testenvironment.h"
 
-#include <QBuffer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -82,52 +81,27 @@ private slots:
                                 << "Type/RFBurning/0/Material/M/Thickness/3.00/" + QString::fromLatin1(craft) + '/' + key
                                 << expected;
         };
-        auto doc = [](const char *name, const char *document, const char *path, const QJsonValue &expected) {
-            QTest::newRow(name) << QByteArray(document) << QString::fromLatin1(path) << expected;
-        };
         const QJsonValue none(QJsonValue::Undefined);
 
         row("cut speed with fraction reads 0", C, R"({"Speed": 12.5})", "Speed", 0.0);
-        row("cut speed beyond int reads 0", C, R"({"Speed": 3e12})", "Speed", 0.0);
-        row("seal length with fraction reads 0", T, R"({"Seal length": 0.5})", "Seal length", 0.0);
         row("sweep speed keeps fraction", S, R"({"Speed": 12.5})", "Speed", 12.5);
         row("mode number reads 0", S, R"({"Mode": 1})", "Mode", 0);
         row("mode one way by name", D, R"({"Mode": "One way laser"})", "Mode", 1);
-        row("mode other text", S, R"({"Mode": "one way laser"})", "Mode", 0);
-        row("bridges read for cutting", C, R"({"Bridges": true})", "Bridges", true);
         row("bridges ignored for tracing", T, R"({"Bridges": true})", "Bridges", false);
-        row("compensation ignored for tracing", T, R"({"Laser Compensate": {"Compensate Size": 0.4}})", "Laser Compensate/Compensate Size", 0.25);
         row("compensation outward default", C, R"({"Laser Compensate": {}})", "Laser Compensate/Compensate Outward", true);
         row("frequency truncated", C, R"({"Frequency1": 4000.9})", "Frequency1", 4000);
-        row("pulse width toward zero", C, R"({"Pulse Width1": -3.7})", "Pulse Width1", -3);
         row("huge frequency saturates", C, R"({"Frequency2": 1e300})", "Frequency2", std::numeric_limits<qint32>::max());
-        row("pen key with three blanks", D, R"({"Pen Action": {"PenUp   Height": 7}})", "Pen Action/PenUp   Height", 7.0);
         row("pen key with one blank is not it", C, R"({"Pen Action": {"PenUp Height": 7}})", "Pen Action/PenUp   Height", 3.0);
-        row("key given twice: the last counts", C, R"({"Speed": 1, "Note": "a", "Speed": 2})", "Speed", 2.0);
 
-        row("garbage: blowing as number", C, R"({"Blowing": 1})", "Blowing", false);
-        row("garbage: frequency as text", C, R"({"Frequency1": "9000"})", "Frequency1", 4000);
-        row("garbage: pen as array", C, R"({"Pen Action": [1, 2]})", "Pen Action/PenUp   Height", 3.0);
-        row("garbage: dpi as fraction", S, R"({"DPI output": 2.5})", "DPI output", 0);
         row("garbage: block as array", C, "[]", "Speed", none);
 
         row("mark: object with empty note", V, R"({"Note": ""})", "Note", QString());
         row("mark: empty object", V, "{}", "Note", none);
-        row("mark: null", V, "null", "Note", none);
-        row("mark: empty text", V, R"("")", "Note", none);
-        row("mark: number", V, "0", "Note", QString());
 
-        doc("version missing reads 0", R"({"Type": {}})", "Version", 0);
-        doc("version text kept", R"({"Version": "2024a", "Type": {}})", "Version", "2024a");
-        for (const char *tube : {"Glass", "RFNoBurning", "RFBurning", "Fiber", "Semiconductor"}) {
-            QTest::addRow("tube %s", tube) << "{\"Type\": {\"" + QByteArray(tube) + "\": [{\"Power\": 45}]}}"
-                                           << QStringLiteral("Type/%1/0/Power").arg(tube) << QJsonValue(45);
-        }
-        doc("unknown tube reads as Glass", R"({"Type": {"CO2": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
-        doc("tube names: case matters", R"({"Type": {"fiber": [{"Power": 45}]}})", "Type/Glass/0/Power", 45);
+        QTest::newRow("version missing reads 0") << QByteArray(R"({"Type": {}})") << "Version" << QJsonValue(0);
         const char *m = R"({"Type": {"Glass": [{"Material": {"M": {"Thickness": {"%1": {"Vision Mark": 1}}}}}]}})";
         const char *key = "Type/Glass/0/Material/M/Thickness/%1/Vision Mark/Note";
-        for (auto [thickness, written] : {std::pair{"3", "3.00"}, {"0.8", "0.80"}, {"12.3456", "12.35"}})
+        for (auto [thickness, written] : {std::pair{"3", "3.00"}, {"12.3456", "12.35"}})
             QTest::addRow("thickness key %s", thickness) << QString::fromLatin1(m).arg(thickness).toUtf8()
                                                          << QString::fromLatin1(key).arg(written) << QJsonValue(QString());
     }
@@ -141,26 +115,15 @@ private slots:
         QCOMPARE(writtenValue(document, path), expected);
     }
 
-    void materialOrder_data()
-    {
-        QTest::addColumn<QByteArray>("materials");
-        QTest::addColumn<QStringList>("order");
-        QTest::newRow("gaps in the ids") << QByteArray(R"({"A": {"id": 30}, "B": {"id": 7}})") << QStringList{"B", "A"};
-        QTest::newRow("equal ids keep key order") << QByteArray(R"({"B": {"id": 1}, "A": {"id": 1}, "C": {"id": 0.5}})") << QStringList{"A", "B", "C"};
-        QTest::newRow("garbage ids follow in key order")
-            << QByteArray(R"({"A": {"id": "1"}, "B": {"id": 1.5}, "C": {"id": -1}, "D": {}, "E": {"id": 3}, "G": {"id": 1e20}})")
-            << QStringList{"E", "A", "B", "C", "D", "G"};
-        QTest::newRow("a material that is not an object is skipped") << QByteArray(R"({"A": 5, "B": {"id": 1}, "C": []})") << QStringList{"B"};
-        QTest::newRow("a material given twice: the last counts") << QByteArray(R"({"M": {"id": 1}, "N": {"id": 2}, "M": {"id": 3}})") << QStringList{"N", "M"};
-    }
-
-    // Written back, the ids number the materials in that order from 1.
+    // Ascending "id"; ties and materials without a usable one keep the key
+    // order. Written back, the ids number them in that order from 1.
     void materialOrder()
     {
-        QFETCH(QByteArray, materials);
-        QFETCH(QStringList, order);
         TestEnvironment env;
-        const CMaterialLibrary library = readBytes(R"({"Type": {"RFBurning": [{"Power": 60, "Material": )" + materials + "}]}}");
+        const CMaterialLibrary library = readBytes(R"({"Type": {"RFBurning": [{"Power": 60, "Material": {
+            "A": {"id": "1"}, "B": {"id": 1.5}, "C": {"id": -1}, "D": {}, "E": {"id": 3}, "F": 5,
+            "G": {"id": 1e20}, "H": {"id": 1}, "I": {"id": 1}}}]}})");
+        const QStringList order{"H", "I", "E", "A", "B", "C", "D", "G"};
         QCOMPARE(library.MaterialNames(2, 60), order);
         const QJsonObject written = writtenValue(jsonBytes(library), "Type/RFBurning/0/Material").toObject();
         QStringList byId = order;
@@ -205,18 +168,8 @@ private slots:
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<int>("status");
         QTest::addColumn<int>("materials");
-        const int ok = int(ELibraryRead::Ok), notJson = int(ELibraryRead::NotJson);
-        const int noType = int(ELibraryRead::NoType);
-        QTest::newRow("empty") << QByteArray() << notJson << 0;
-        QTest::newRow("truncated") << QByteArray(R"({"Type": {"Glass": [{"Power": 8)") << notJson << 0;
-        QTest::newRow("trailing garbage") << QByteArray(R"({"Type": {}} x)") << notJson << 0;
+        const int ok = int(ELibraryRead::Ok);
         QTest::newRow("array") << QByteArray("[1, 2]") << int(ELibraryRead::NotObject) << 0;
-        QTest::newRow("Type as array") << QByteArray(R"({"Type": [{"Glass": []}]})") << noType << 0;
-        QTest::newRow("type lower case") << QByteArray(R"({"type": {}})") << noType << 0;
-        QTest::newRow("deep nesting in a material")
-            << R"({"Type": {"Glass": [{"Material": {"M": )" + QByteArray(5000, '[') + QByteArray(5000, ']') + "}}]}}"
-            << notJson << 0;
-        QTest::newRow("not UTF-8") << QByteArray("{\"Type\": {\"\xff\xfe\": []}}") << notJson << 0;
         QTest::newRow("byte order mark") << QByteArray("\xef\xbb\xbf{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {}}}]}}") << ok << 1;
         QTest::newRow("wrong types everywhere")
             << QByteArray(R"({"Version": [], "Type": {"Glass": [{"Power": "80", "Custom": "yes",
@@ -245,12 +198,7 @@ private slots:
     void devicesAndFiles()
     {
         TestEnvironment env;
-        QBuffer closed;
-        CMaterialLibrary read = sampleLibrary();
-        QCOMPARE(int(ReadMaterialLibrary(&closed, read).status), int(ELibraryRead::CannotOpen));
-        QVERIFY(read.IsEmpty());
-        QVERIFY(!WriteMaterialLibrary(&closed, sampleLibrary()));
-
+        CMaterialLibrary read;
         const QString path = env.dataFile(QStringLiteral("export.json"));
         QVERIFY(WriteMaterialLibraryFile(path, sampleLibrary()));
         QCOMPARE(env.readFile(path), dataFile(QStringLiteral("written/sample.json")));
@@ -264,27 +212,16 @@ private slots:
         QVERIFY(QFileInfo(dir).isDir());
         QCOMPARE(ReadMaterialLibraryFile(dir, read).reason(), QStringLiteral("cannot open (is a directory)"));
         QVERIFY(read.IsEmpty());
-    }
 
-    void hostileSizes()
-    {
-        TestEnvironment env;
-        const QString path = env.dataFile(QStringLiteral("huge.json"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(kMaxLibraryFileSize + 1)); // sparse
-        file.close();
-        CMaterialLibrary library = sampleLibrary();
+        QFile huge(env.dataFile(QStringLiteral("huge.json")));
+        QVERIFY(huge.open(QIODevice::WriteOnly) && huge.resize(kMaxLibraryFileSize + 1)); // sparse
+        huge.close();
+        read = sampleLibrary();
         QElapsedTimer timer;
         timer.start();
-        QCOMPARE(int(ReadMaterialLibraryFile(path, library).status), int(ELibraryRead::TooLarge));
-        QVERIFY(library.IsEmpty());
+        QCOMPARE(int(ReadMaterialLibraryFile(huge.fileName(), read).status), int(ELibraryRead::TooLarge));
+        QVERIFY(read.IsEmpty());
         QVERIFY2(timer.elapsed() < 2000, "the file must not be read");
-
-        // A picture of 100 MiB, below the limit, reads whole.
-        const qsizetype size = 100 * 1024 * 1024;
-        library = readBytes("{\"Type\": {\"Glass\": [{\"Material\": {\"M\": {\"IconBase64Data\": \""
-                            + QByteArray(size, 'A') + "\"}}}]}}");
-        QCOMPARE(library.FindMaterial(0, 80, QStringLiteral("M"))->iconBase64.size(), size);
     }
 };
 

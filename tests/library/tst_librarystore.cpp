@@ -36,13 +36,6 @@ CMaterialLibrary factoryLibrary()
     return library;
 }
 
-CMaterialLibrary read(const QByteArray &bytes)
-{
-    CMaterialLibrary library;
-    ReadMaterialLibrary(jsonObject(bytes), library);
-    return library;
-}
-
 // The user's edit that every flow must save.
 bool addMine()
 {
@@ -58,13 +51,6 @@ struct Env : TestEnvironment
     bool logHas(const QString &text) const { return logLines().join(QLatin1Char('\n')).contains(text); }
     // A file where the backup folder should be.
     bool blockBackups() const { return writeFile(dataDir() + QStringLiteral("/Backup"), "in the way"); }
-    QString importFile(const QByteArray &bytes) const
-    {
-        const QString path = root() + QStringLiteral("/import.json");
-        if (bytes != kNoFile)
-            writeFile(path, bytes);
-        return path;
-    }
 };
 
 } // namespace
@@ -89,7 +75,6 @@ private slots:
         QTest::newRow("user library kept") << true << sample << sample << QString();
         QTest::newRow("corrupt: truncated") << true << sample.left(300) << empty << "not JSON";
         QTest::newRow("corrupt: no Type") << false << QByteArray("{\"type\": {}}") << empty << "no \"Type\"";
-        QTest::newRow("corrupt: array") << true << QByteArray("[]") << empty << "not a JSON object";
         // clang-format on
     }
 
@@ -109,8 +94,8 @@ private slots:
         store().UserLibrary() = sampleLibrary();
 
         store().Load();
-        QVERIFY(store().UserLibrary() == read(loaded));
-        QVERIFY(store().FactoryLibrary() == (factory ? read(factoryBytes) : CMaterialLibrary()));
+        QVERIFY(store().UserLibrary() == readBytes(loaded));
+        QVERIFY(store().FactoryLibrary() == (factory ? readBytes(factoryBytes) : CMaterialLibrary()));
         const CRunningOptions *options = g_LayerContext.FindRunningOption(255);
         QVERIFY(options && options->type == 3 && options->MaterialName() == QStringLiteral("Birch"));
         QCOMPARE(env.readFile(QStringLiteral("lm.json")), user != kNoFile ? user : factory ? factoryBytes : QByteArray());
@@ -129,7 +114,7 @@ private slots:
         // Edits are saved into the user's file, never into the factory file.
         QVERIFY(addMine());
         QVERIFY(store().Save());
-        QVERIFY(read(env.readFile(QStringLiteral("lm.json"))).MaterialNames(0, 80).contains("Mine"));
+        QVERIFY(readBytes(env.readFile(QStringLiteral("lm.json"))).MaterialNames(0, 80).contains("Mine"));
         QCOMPARE(env.readFile(env.factory()), factory ? factoryBytes : QByteArray());
     }
 
@@ -184,46 +169,32 @@ private slots:
             QCOMPARE(env.readFile(QStringLiteral("lm.json")) + env.readFile(QStringLiteral("lm.tmp.json")), QByteArray("old{}"));
     }
 
-    void backupNames()
-    {
-        Env env;
-        QCOMPARE(store().BackUpUserLibrary(), QString()); // nothing to back up yet
-        QVERIFY(env.writeFile(QStringLiteral("lm.json"), "first"));
-        QCOMPARE(store().BackUpUserLibrary(), CLibraryStore::BackupDir() + kFirstBackup);
-        // Within the same second: same name, and the first copy stays.
-        QVERIFY(env.writeFile(QStringLiteral("lm.json"), "second"));
-        QCOMPARE(store().BackUpUserLibrary(), QString());
-        QCOMPARE(env.backup(kFirstBackup), QByteArray("first"));
-        store().SetClock([] { return QDateTime(QDate(2026, 1, 2), QTime(23, 4, 5)); });
-        QVERIFY(!store().BackUpUserLibrary().isEmpty());
-        QCOMPARE(env.backups(), (QStringList{kFirstBackup, "lib20260102230405.bck"}));
-    }
-
-    // A library offered by import, or put in place of lm.json before the
-    // host asks the module to reload, replaces the user library whole after a
-    // backup. An unreadable lm.json without a backup is never saved over until
-    // then. A later module object shares the library and the running options
-    // in memory, unsaved edits included; the next save writes the file.
+    // A library offered by import, the factory library on a restore, or a file
+    // put in place of lm.json before the host asks the module to reload,
+    // replaces the user library whole after a backup. An unreadable lm.json
+    // without a backup is never saved over until then. A later module object
+    // shares the library and the running options in memory, unsaved edits
+    // included; the next save writes the file.
     void replace_data()
     {
         QTest::addColumn<QByteArray>("user"); // lm.json before
         QTest::addColumn<bool>("blocked");    // no backup can be made
         QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<bool>("reload");
+        QTest::addColumn<QString>("how");
         QTest::addColumn<bool>("taken");
         const QByteArray sample = jsonBytes(sampleLibrary()), factory = jsonBytes(factoryLibrary());
         // clang-format off
-        QTest::newRow("import") << sample << false << factory << false << true;
-        QTest::newRow("import, no lm.json yet") << kNoFile << false << factory << false << true;
-        QTest::newRow("import, backup fails") << sample << true << factory << false << true;
-        QTest::newRow("import: not JSON") << sample << false << QByteArray("{\"Type\": ") << false << false;
-        QTest::newRow("import: no Type") << sample << false << QByteArray("{\"Version\": 2}") << false << false;
-        QTest::newRow("import: no file") << sample << false << kNoFile << false << false;
-        QTest::newRow("import over a held library") << kHalf << true << factory << false << true;
-        QTest::newRow("reload") << sample << false << factory << true << true;
-        QTest::newRow("reload: corrupt") << sample << false << QByteArray("{\"Type\": {") << true << false;
-        QTest::newRow("reload: no file") << sample << false << kNoFile << true << false;
-        QTest::newRow("reload deletes a held library") << kHalf << true << kHalf << true << false;
+        QTest::newRow("import") << sample << false << factory << "import" << true;
+        QTest::newRow("import, no lm.json yet") << kNoFile << false << factory << "import" << true;
+        QTest::newRow("import, backup fails") << sample << true << factory << "import" << true;
+        QTest::newRow("import: not JSON") << sample << false << QByteArray("{\"Type\": ") << "import" << false;
+        QTest::newRow("import: no file") << sample << false << kNoFile << "import" << false;
+        QTest::newRow("import over a held library") << kHalf << true << factory << "import" << true;
+        QTest::newRow("restore factory") << sample << false << factory << "restore" << true;
+        QTest::newRow("restore: no factory file") << sample << false << kNoFile << "restore" << false;
+        QTest::newRow("reload") << sample << false << factory << "reload" << true;
+        QTest::newRow("reload: corrupt") << sample << false << QByteArray("{\"Type\": {") << "reload" << false;
+        QTest::newRow("reload deletes a held library") << kHalf << true << kHalf << "reload" << false;
         // clang-format on
     }
 
@@ -232,7 +203,7 @@ private slots:
         QFETCH(QByteArray, user);
         QFETCH(bool, blocked);
         QFETCH(QByteArray, file);
-        QFETCH(bool, reload);
+        QFETCH(QString, how);
         QFETCH(bool, taken);
         Env env;
         if (user != kNoFile)
@@ -247,6 +218,7 @@ private slots:
             QVERIFY(env.logHas(QStringLiteral("no backup")));
         }
 
+        const bool reload = how == QStringLiteral("reload");
         if (reload) {
             QFile::remove(env.dataFile(QStringLiteral("lm.json")));
             if (file != kNoFile)
@@ -255,11 +227,19 @@ private slots:
             QVERIFY(!QFileInfo::exists(env.dataFile(QStringLiteral("lm.json"))));
             QVERIFY(env.logLines().contains(QStringLiteral("2|ReloadLibrary: ") + (taken ? "library taken over" : "nothing taken over")));
         } else {
-            QCOMPARE(store().BackupAndTakeOver(env.importFile(file)), taken);
-            QCOMPARE(env.readFile(QStringLiteral("lm.json")), taken ? jsonBytes(read(file)) : user != kNoFile ? user : QByteArray());
+            const bool restore = how == QStringLiteral("restore");
+            const QString path = restore ? env.factory() : env.root() + QStringLiteral("/import.json");
+            if (file != kNoFile)
+                QVERIFY(env.writeFile(path, file));
+            QCOMPARE(restore ? store().RestoreFactoryLibrary() : store().BackupAndTakeOver(path), taken);
+            QCOMPARE(env.readFile(QStringLiteral("lm.json")),
+                     taken ? jsonBytes(readBytes(file)) : user != kNoFile ? user : QByteArray());
         }
-        QVERIFY(store().UserLibrary() == (taken ? read(file) : before));
+        QVERIFY(store().UserLibrary() == (taken ? readBytes(file) : before));
         QCOMPARE(QFileInfo::exists(env.dataFile(QStringLiteral("lm.tmp.json"))), taken || user == kHalf);
+        // A second backup within the same second is dropped; the first stays.
+        if (taken && !blocked && !reload && user != kNoFile)
+            QCOMPARE(store().BackUpUserLibrary(), QString());
         QCOMPARE(env.backup(kFirstBackup), taken && !blocked ? (reload ? file : user != kNoFile ? user : QByteArray()) : QByteArray());
         QCOMPARE(env.logHas(QStringLiteral("backup of")), taken && blocked);
 
@@ -268,33 +248,8 @@ private slots:
         module = std::make_unique<CLayerMgrModuleIns>();
         QVERIFY(g_LayerContext.FindRunningOption(7));
         QVERIFY(store().Save());
-        const QStringList names = read(env.readFile(QStringLiteral("lm.json"))).MaterialNames(0, 80);
+        const QStringList names = readBytes(env.readFile(QStringLiteral("lm.json"))).MaterialNames(0, 80);
         QCOMPARE(names, taken ? (QStringList{"Factory", "Mine"}) : QStringList{"Mine"});
-    }
-
-    void restoreAndReloadFactory()
-    {
-        Env env;
-        QVERIFY(env.writeFile(QStringLiteral("lm.json"), jsonBytes(sampleLibrary())));
-        store().Load();
-        QVERIFY(!store().RestoreFactoryLibrary()); // no factory file
-        QVERIFY(!store().ReloadFactoryLibrary());
-        QVERIFY(store().UserLibrary() == read(jsonBytes(sampleLibrary())));
-
-        QVERIFY(env.writeFile(env.factory(), jsonBytes(factoryLibrary())));
-        const CMaterialLibrary factory = read(jsonBytes(factoryLibrary()));
-        QVERIFY(store().ReloadFactoryLibrary());
-        QVERIFY(store().FactoryLibrary() == factory);
-        QVERIFY(store().RestoreFactoryLibrary());
-        QVERIFY(store().UserLibrary() == factory);
-        QCOMPARE(env.readFile(QStringLiteral("lm.json")), jsonBytes(factory));
-        QCOMPARE(env.backup(kFirstBackup), jsonBytes(sampleLibrary()));
-
-        // Export: the user library into any file; a folder is refused.
-        const QString path = env.root() + QStringLiteral("/export.json");
-        QVERIFY(store().WriteUserLibrary(path));
-        QCOMPARE(env.readFile(path), jsonBytes(factory));
-        QVERIFY(!store().WriteUserLibrary(env.root()));
     }
 };
 
