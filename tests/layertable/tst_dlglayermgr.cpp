@@ -499,6 +499,39 @@ private slots:
         QCOMPARE(f.number(to), QStringLiteral("0%1").arg(to + 1));
     }
 
+    // The host hands over the shapes; the rows of the selected shapes' layers are selected.
+    void selectLayersOfShapes_data()
+    {
+        QTest::addColumn<QList<quint32>>("selectedColors");
+        QTest::addColumn<int>("selected");
+        QTest::addColumn<int>("current");
+        QTest::newRow("none keeps current row") << QList<quint32>() << 1 << 1;
+        // Rows are selected in table order; single selection keeps the last.
+        QTest::newRow("several") << QList<quint32>{plainColor(4), plainColor(2)} << 4 << 1;
+        QTest::newRow("reserved colour never matched") << QList<quint32>{kReservedColorA} << 1 << 1;
+    }
+
+    void selectLayersOfShapes()
+    {
+        QFETCH(QList<quint32>, selectedColors);
+        PanelFixture f;
+        g_pLayerPanel = f.panel.get();
+        for (quint32 color : {plainColor(0), plainColor(1), plainColor(2), plainColor(3), plainColor(4), kReservedColorA})
+            addLayer(*f.manager, color);
+        f.sync();
+        f.table->cellClicked(1, COL_TYPE);
+        CShapeList shapes;
+        for (quint32 color : std::as_const(selectedColors)) {
+            shapes.AddTail(new CShape(color));
+            shapes.GetShape(shapes.GetCount() - 1)->SetSelected(true);
+        }
+        f.manager->SelectLayersOfShapes(&shapes);
+        const QModelIndexList rows = f.table->selectionModel()->selectedRows();
+        QCOMPARE(rows.size(), 1);
+        QTEST(rows.first().row(), "selected");
+        QTEST(f.panel->CurrentRow(), "current");
+    }
+
     // The library dialog itself has its own suite; here, how the panel opens it and takes its OK.
     void doubleClickOpensLibraryDialog_data()
     {

@@ -9,6 +9,7 @@
 
 #include <QLayout>
 #include <QLibrary>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTest>
@@ -46,6 +47,7 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
     paneltest::FakeLayerHost host;
     ILayerMgr *manager = module->CreateLayerMgr(&host);
     manager->AttachPanel(panel);
+    module->SetUnitMode(1);
     CShapeList shapes;
     for (quint32 number : {1, 2, 1})
         shapes.AddTail(new CShape(StandardLayerColor(number, false)));
@@ -57,6 +59,13 @@ void tst_LayerPanelPlugin::hostDrivesPanel()
         letters << table->cellWidget(row, 0)->findChild<QPushButton *>()->text();
     QCOMPARE(letters, (QStringList{"D", "B", "C"}));
     QCOMPARE(manager->GetCurrentLayerColor(), StandardLayerColor(3, false));
+    // Unit and laser settings of the host reach the panel it shows.
+    auto speed = [table] { return table->cellWidget(0, 2)->findChild<QLineEdit *>()->text(); };
+    QCOMPARE(speed(), QStringLiteral("1"));
+    module->SetUnitMode(3);
+    QCOMPARE(speed(), QStringLiteral("60"));
+    module->SetPanelFlag(true);
+    QCOMPARE(table->horizontalHeaderItem(4)->text(), QString::fromUtf8("Type⥮"));
 
     module->ReleaseLayerMgr(manager);
     releaseInterface(module);

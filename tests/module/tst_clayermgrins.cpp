@@ -170,6 +170,7 @@ void tst_CLayerMgrIns::updateLayers_data()
     QTest::newRow("move: same place") << QStringList{"A B C", "move 2 2"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: negative to") << QStringList{"A B C", "move 0 -1"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: from past the end") << QStringList{"A B C", "move 3 0"} << 0ull << "A B C" << "A B C" << QStringList();
+    QTest::newRow("move: to past the end") << QStringList{"A B C", "move 0 3"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: last to front") << QStringList{"A B C", "move 2 0"} << 1ull << "C A B" << "A B C" << QStringList();
     // The panel refills without the reserved layers; they follow at the end.
     QTest::newRow("reserved go last") << QStringList{"B S A R C"} << 1ull << "B A C R S" << "B A C" << QStringList();
