@@ -143,7 +143,6 @@ private slots:
         QFETCH(QString, dependent);
         QFETCH(Expect, expect);
         const QString source = QString::fromLatin1(QTest::currentDataTag()).section(' ', 0, 1);
-
         TestEnvironment env;
         setUnit(env, unit);
         const auto editor = makeEditor(source.startsWith(QLatin1String("cut")));
@@ -157,7 +156,6 @@ private slots:
         QWidget *other =
             dependent.isEmpty() ? nullptr : child(editor.get(), dependent.mid(!usable));
         QVERIFY(!other || other->isEnabled() != usable);
-
         // As a user does: types into a line edit, clicks a box, steps a combo or spin box.
         QWidget *edited = child(editor.get(), widget);
         if (auto *edit = qobject_cast<QLineEdit *>(edited)) {
@@ -199,7 +197,6 @@ private slots:
         QFETCH(QString, widget);
         QFETCH(QString, typed);
         QFETCH(double, heightMax);
-
         TestEnvironment env;
         setUnit(env, unit);
         QFETCH(bool, motors);
@@ -211,7 +208,6 @@ private slots:
         auto *edit = child<QLineEdit>(editor.get(), widget);
         QCOMPARE(child<QDoubleSpinBox>(editor.get(), "doubleSpinBox_safetyFocus")->maximum(),
                  std::round(heightMax * 1000.0) / 1000.0);
-
         edit->selectAll();
         QTest::keyClick(edit, Qt::Key_Delete);
         QTest::keyClicks(edit, typed);
@@ -250,7 +246,6 @@ private slots:
         QCOMPARE(speed->isReadOnly(), !editable);
         QCOMPARE(speed->isEnabled(), open);
         QCOMPARE(child(&editor, "comboBox_airAssist")->isEnabled(), editable && open);
-
         click(&editor, "pushButton_save");
         QCOMPARE(saves.count(), int(editable));
         const QSettings ini(env.dataFile(QStringLiteral("UserParam.ini")), QSettings::IniFormat);
