@@ -45,17 +45,15 @@ class FakePanel : public ILayerPanel
 public:
     void SetDualLaser(bool) override {}
     void RefreshSpeeds() override {}
-    void SyncLayers(CLayerMgrIns *manager, bool) override { syncs << order(*manager); }
+    void SyncLayers(CLayerMgrIns *manager, bool) override { calls << order(*manager); }
     void AddPendingColor(quint32 color) override { pending << nameOf(color); }
-    void SelectPendingColors() override { ++selectCalls; }
-    quint32 CurrentLayerColor() const override { return 0xABCDEF; }
-    void SetPanelData(void *d) override { data = d; }
-    void *GetPanelData() const override { return data; }
+    void SelectPendingColors() override { calls << QStringLiteral("told: ") + pending.join(QLatin1Char(' ')); }
+    quint32 CurrentLayerColor() const override { return 0; }
+    void SetPanelData(void *) override {}
+    void *GetPanelData() const override { return nullptr; }
 
-    QStringList syncs; // the layer order each time the panel was told to refill
+    QStringList calls; // the layer order of each refill, or the colours told to select
     QStringList pending;
-    int selectCalls = 0;
-    void *data = nullptr;
 };
 
 // A drawing from tokens such as "A Bi C* G*=AB": the colour letter, then 'i'
@@ -86,9 +84,8 @@ quint64 update(ILayerMgr &manager, const QString &tokens)
     return manager.UpdateLayers(&list);
 }
 
-// Layers from tokens "<colour><work type><laser>": laser 1 means the block of
-// the work type fires LASER1, 2 that it does not; the other block is set the
-// other way, so that reading the wrong block shows.
+// Layers from tokens "<colour><work type><laser>": laser 1 means the work
+// type's block fires LASER1; the other block is set the other way.
 void addLayers(ILayerMgr &manager, const QString &tokens)
 {
     for (const QString &token : tokens.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
@@ -138,22 +135,20 @@ private slots:
     void regroup_data();
     void regroup();
     void rememberedParams();
-    void selectLayersOfShapes_data();
-    void selectLayersOfShapes();
     void queries();
 };
 
 void tst_CLayerMgrIns::updateLayers_data()
 {
     // clang-format off
-    // Each step is a drawing handed to UpdateLayers, "move <from> <to>",
-    // "off <colours>" for the colours to start without output, "set A:FIELD=v"
-    // to edit a layer, "vert <n>" for the user's vertical fill order, or
-    // "load <colours>" for a document's layers loaded.
+    // Each step is a drawing handed to UpdateLayers, "move <from> <to>", "off
+    // <colours>" to start without output, "set A:FIELD=v" to edit a layer,
+    // "vert <n>" for the user's vertical fill order, "reload" to load the
+    // layers' own document behind them, or "select <drawing>".
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<quint64>("result"); // of the last step
     QTest::addColumn<QString>("order");
-    QTest::addColumn<QString>("panel"); // the order the panel last refilled with
+    QTest::addColumn<QString>("panel"); // what the panel was told last
     QTest::addColumn<QStringList>("expect");
 
     QTest::newRow("colours A B A") << QStringList{"A B A"} << 1ull << "A B" << "A B" << QStringList{"A:WORK_TYPE=0", "A:OUTPUT=true", "B:FILL_LOCKED=false"};
@@ -166,24 +161,29 @@ void tst_CLayerMgrIns::updateLayers_data()
     QTest::newRow("returning deep engraving") << QStringList{"A B C", "set B:WORK_TYPE=3", "set B:SWEEP.SWEEP_TYPE=4", "A C", "A C Bi"} << 1ull << "B A C" << "B A C" << QStringList{"B:WORK_TYPE=3", "B:FILL_LOCKED=true", "B:SWEEP.SWEEP_TYPE=0"};
     QTest::newRow("pending colour used once") << QStringList{"off BC", "A B", "set B:OUTPUT=1", "A", "A B C"} << 1ull << "A B C" << "A B C" << QStringList{"B:OUTPUT=true", "C:OUTPUT=false"};
     QTest::newRow("new pending set replaces") << QStringList{"off D", "off E", "A D E"} << 1ull << "A D E" << "A D E" << QStringList{"D:OUTPUT=true", "E:OUTPUT=false"};
-    // Moves within the list; the panel's own drags are checked with the panel.
+    // Moves the panel refuses; its own drags are checked with the panel.
     QTest::newRow("move: same place") << QStringList{"A B C", "move 2 2"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: negative to") << QStringList{"A B C", "move 0 -1"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: from past the end") << QStringList{"A B C", "move 3 0"} << 0ull << "A B C" << "A B C" << QStringList();
     QTest::newRow("move: to past the end") << QStringList{"A B C", "move 0 3"} << 0ull << "A B C" << "A B C" << QStringList();
-    QTest::newRow("move: last to front") << QStringList{"A B C", "move 2 0"} << 1ull << "C A B" << "A B C" << QStringList();
     // The panel refills without the reserved layers; they follow at the end.
     QTest::newRow("reserved go last") << QStringList{"B S A R C"} << 1ull << "B A C R S" << "B A C" << QStringList();
     QTest::newRow("reserved at 0 and 1") << QStringList{"R S A"} << 1ull << "R A S" << "R A" << QStringList();
-    QTest::newRow("second reserved at 0") << QStringList{"S A R"} << 1ull << "S A R" << "S A" << QStringList();
     QTest::newRow("shapes in another order") << QStringList{"A B", "B A B"} << 0ull << "A B" << "A B" << QStringList();
     QTest::newRow("selection alone is no change") << QStringList{"A B", "A* B"} << 0ull << "A B" << "A B" << QStringList{"A:SELECTED=true"};
     QTest::newRow("one gone, one new") << QStringList{"A B", "C B"} << 1ull << "B C" << "B C" << QStringList();
     // Removing never regroups: C, engraving, stays behind the cutting layers.
-    QTest::newRow("drop B") << QStringList{"A B Ci D E", "move 2 4", "A Ci D E"} << 1ull << "A D E C" << "A D E C" << QStringList();
     QTest::newRow("drop A and E") << QStringList{"A B Ci D E", "move 2 4", "B Ci D"} << 1ull << "B D C" << "B D C" << QStringList();
     // A document holding a colour twice: the shapes count for its first layer only.
-    QTest::newRow("duplicate colour after loading") << QStringList{"load A", "load A", "set A:CUT.CUT_SPEED=7", "A"} << 1ull << "A" << "A" << QStringList{"A:CUT.CUT_SPEED=7"};
+    QTest::newRow("duplicate colour after loading") << QStringList{"A", "reload", "set A:CUT.CUT_SPEED=7", "A"} << 1ull << "A" << "A" << QStringList{"A:CUT.CUT_SPEED=7"};
+    // A group tells its first member's colour when its last member has that
+    // colour; a one-member group leaves the answer of the group before.
+    QTest::newRow("select: group ending in its first colour") << QStringList{"G", "select G*=ABA"} << 1ull << "G" << "told: A" << QStringList();
+    QTest::newRow("select: group ending in another colour") << QStringList{"G", "select G*=AAB"} << 1ull << "G" << "told: " << QStringList();
+    QTest::newRow("select: one-member group keeps a set flag") << QStringList{"G H", "select G*=AA H*=B"} << 1ull << "G H" << "told: A B" << QStringList();
+    QTest::newRow("select: one-member group first") << QStringList{"H", "select H*=B"} << 1ull << "H" << "told: " << QStringList();
+    QTest::newRow("select: group colour without a layer") << QStringList{"A", "select G*=AA"} << 1ull << "A" << "told: " << QStringList();
+    QTest::newRow("select: unselected group ignored") << QStringList{"G H K", "select G*=AA H=AB K*=C"} << 1ull << "G H K" << "told: A C" << QStringList();
     // clang-format on
 }
 
@@ -198,13 +198,12 @@ void tst_CLayerMgrIns::updateLayers()
     CLayerMgrIns manager(nullptr);
 
     quint64 last = 0;
-    int drawings = 0;
+    int told = 0; // drawings and selections
     for (const QString &step : steps) {
-        const QString command = step.section(QLatin1Char(' '), 0, 0);
-        const QString rest = step.section(QLatin1Char(' '), 1);
+        const QStringList words = step.split(QLatin1Char(' '));
+        const QString command = words[0], rest = step.section(QLatin1Char(' '), 1);
         if (command == QLatin1String("move")) {
-            last = manager.MoveLayer(rest.section(QLatin1Char(' '), 0, 0).toInt(),
-                                     rest.section(QLatin1Char(' '), 1).toInt());
+            last = manager.MoveLayer(words[1].toInt(), words[2].toInt());
         } else if (command == QLatin1String("off")) {
             QSet<quint32> off;
             for (const QChar c : rest)
@@ -216,23 +215,26 @@ void tst_CLayerMgrIns::updateLayers()
         } else if (command == QLatin1String("vert")) {
             WriteIniInt(QStringLiteral("LASER_PARAM_SWEEP"), QStringLiteral("SWEEP_VERT_TYPE"),
                         rest.toInt(), UserParamIniPath());
-        } else if (command == QLatin1String("load")) {
-            CLayerMgrIns source(nullptr);
-            addLayers(source, rest);
+        } else if (command == QLatin1String("reload")) {
             QBuffer buffer;
             buffer.open(QIODevice::ReadWrite);
-            source.SaveLayers(&buffer);
+            manager.SaveLayers(&buffer);
             buffer.seek(0);
             manager.LoadLayers(&buffer);
+        } else if (command == QLatin1String("select")) {
+            CShapeList list;
+            draw(list, rest);
+            manager.SelectLayersOfShapes(&list);
+            ++told;
         } else {
             last = ::update(manager, step);
-            ++drawings;
+            ++told;
         }
     }
     QCOMPARE(last, result);
     QTEST(::order(manager), "order");
-    QCOMPARE(fake.syncs.size(), drawings);
-    QTEST(fake.syncs.last(), "panel");
+    QCOMPARE(fake.calls.size(), told);
+    QTEST(fake.calls.last(), "panel");
     QCOMPARE(unmet(manager, expect), QString());
 }
 
@@ -240,10 +242,9 @@ void tst_CLayerMgrIns::regroup_data()
 {
     // clang-format off
     // LASER1_TYPE and LASER2_TYPE as two digits; flags F fiber first, C laser
-    // check; '^' marks a reference layer given by name. Modes 0 to 3 are
-    // handed to Regroup; 4 switches the laser check off and on again, 5
-    // switches it on while it is on. A drawing after '|' is handed to
-    // UpdateLayers first.
+    // check; '^' marks a named reference layer. Modes 0 to 3 go to Regroup; 4
+    // switches the laser check off and on, 5 on while on. A drawing after '|'
+    // goes to UpdateLayers first.
     QTest::addColumn<QString>("types");
     QTest::addColumn<QString>("flags");
     QTest::addColumn<int>("mode");
@@ -286,11 +287,8 @@ void tst_CLayerMgrIns::regroup()
     QFETCH(int, mode);
     QFETCH(QString, layers);
     TestEnvironment env;
-    QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"),
-                          QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n")
-                              .arg(types[0])
-                              .arg(types[1])
-                              .toUtf8()));
+    const QString ini = QStringLiteral("[FACTORY_PARAM_LASER]\nLASER1_TYPE=%1\nLASER2_TYPE=%2\n");
+    QVERIFY(env.writeFile(QStringLiteral("FactoryParam.ini"), ini.arg(types.left(1), types.mid(1)).toUtf8()));
     CLayerMgrIns manager(nullptr);
     manager.SetFiberFirst(flags.contains(QLatin1Char('F')));
     manager.SetLaserCheck(flags.contains(QLatin1Char('C')));
@@ -315,14 +313,13 @@ void tst_CLayerMgrIns::regroup()
 void tst_CLayerMgrIns::rememberedParams()
 {
     TestEnvironment env;
-    // The user's file: colours A and C, with cutting speeds 1.5 and 7.
     LayerList file;
     for (const auto &[letter, speed] : {std::pair{'A', 1.5}, std::pair{'C', 7.0}}) {
         file.push_back(std::make_unique<CLayerParam>(colorOf(QLatin1Char(letter))));
         file.back()->CUT.CUT_SPEED = speed;
     }
     WriteLayerParamFile(file);
-    for (const char c : {'B', 'D', 'Z'})
+    for (const char c : {'B', 'D'})
         g_LayerContext.SetRunningOption(colorOf(QLatin1Char(c)), CRunningOptions());
     {
         CLayerMgrIns manager(nullptr);
@@ -337,7 +334,6 @@ void tst_CLayerMgrIns::rememberedParams()
         QCOMPARE(manager.RememberedLayers().size(), size_t(3));
         QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('B'))));
         QVERIFY(!g_LayerContext.FindRunningOption(colorOf(QLatin1Char('D'))));
-        QVERIFY(g_LayerContext.FindRunningOption(colorOf(QLatin1Char('Z'))));
         // Restoring takes the remembered values of the colours that have them.
         setField(manager, QStringLiteral("A:CUT.CUT_SPEED=5"));
         setField(manager, QStringLiteral("B:CUT.CUT_SPEED=6"));
@@ -359,42 +355,6 @@ void tst_CLayerMgrIns::rememberedParams()
     QCOMPARE(unmet(next, {"A:CUT.CUT_SPEED=11", "B:CUT.CUT_SPEED=6", "C:CUT.CUT_SPEED=7",
                           "D:CUT.CUT_SPEED=42"}),
              QString());
-}
-
-void tst_CLayerMgrIns::selectLayersOfShapes_data()
-{
-    // clang-format off
-    QTest::addColumn<QString>("layers");
-    QTest::addColumn<QString>("shapes");
-    QTest::addColumn<QString>("told");
-
-    // A group tells its first member's colour when its last member has that
-    // colour; a one-member group leaves the answer of the group before.
-    QTest::newRow("selected shapes with layers") << "A B" << "A* B C* A*" << "A A";
-    QTest::newRow("group ending in its first colour") << "G" << "G*=ABA" << "A";
-    QTest::newRow("group ending in another colour") << "G" << "G*=AAB" << "";
-    QTest::newRow("one-member group keeps a set flag") << "G H" << "G*=AA H*=B" << "A B";
-    QTest::newRow("one-member group first") << "H" << "H*=B" << "";
-    QTest::newRow("group colour without a layer") << "A" << "G*=AA" << "";
-    QTest::newRow("unselected group ignored") << "G H K" << "G*=AA H=AB K*=C" << "A C";
-    // clang-format on
-}
-
-void tst_CLayerMgrIns::selectLayersOfShapes()
-{
-    QFETCH(QString, layers);
-    QFETCH(QString, shapes);
-    TestEnvironment env;
-    FakePanel panel;
-    g_pLayerPanel = &panel;
-    CLayerMgrIns manager(nullptr);
-    addLayers(manager, layers);
-    CShapeList list;
-    draw(list, shapes);
-
-    manager.SelectLayersOfShapes(&list);
-    QTEST(panel.pending.join(QLatin1Char(' ')), "told");
-    QCOMPARE(panel.selectCalls, 1);
 }
 
 void tst_CLayerMgrIns::queries()
@@ -422,8 +382,7 @@ void tst_CLayerMgrIns::queries()
         manager.GetRunningOption(&type, &name, &thickness);
         return QStringLiteral("%1|%2|%3").arg(type).arg(name).arg(thickness);
     };
-    // Without layers, and for a first layer without options: the defaults.
-    QCOMPARE(runningOption(), QStringLiteral("0||1"));
+    // A first layer without options gives the defaults.
     addLayers(manager, QStringLiteral("A B C"));
     QCOMPARE(runningOption(), QStringLiteral("0||1"));
 
@@ -431,31 +390,18 @@ void tst_CLayerMgrIns::queries()
     auto duplicate = std::make_unique<CLayerParam>(colorOf(QLatin1Char('A')));
     manager.AddLayer(duplicate.get());
     QCOMPARE(order(manager), QStringLiteral("A B C"));
-    QCOMPARE(manager.GetLayerAt(3), nullptr);
-    QCOMPARE(manager.GetLayerIndex(duplicate.get()), 0xFFFFFFFFu);
-    QCOMPARE(manager.GetLayerIndex(manager.GetLayerAt(2)), 2u);
     manager.MoveLayer(1, 0);
     QCOMPARE(runningOption(), QStringLiteral("3|Holz \u00e4\u00df|2.5"));
 
-    // Both lists are appended to; the count is of every layer.
+    // The list is appended to; the count is of every layer.
     setField(manager, QStringLiteral("A:OUTPUT=0"));
     setField(manager, QStringLiteral("C:OUTPUT=0"));
     QList<CLayerParam *> output{duplicate.get()};
     QCOMPARE(manager.GetOutputLayers(output), 3u);
     QCOMPARE(output, (QList<CLayerParam *>{duplicate.get(), manager.GetLayerAt(0)}));
-    QList<quint32> off{7};
-    QCOMPARE(manager.GetNonOutputColors(off), 3u);
-    QCOMPARE(off, (QList<quint32>{7, colorOf(QLatin1Char('A')), colorOf(QLatin1Char('C'))}));
 
-    // The panel's answers; without a panel the documented zero.
-    FakePanel panel;
-    int payload = 0;
-    g_pLayerPanel = &panel;
-    QCOMPARE(manager.GetCurrentLayerColor(), 0xABCDEFu);
-    manager.SetPanelData(&payload);
-    QCOMPARE(manager.GetPanelData(), static_cast<void *>(&payload));
+    // Without a panel the documented zero; the panel's own answer is checked with the plug-in.
     manager.AttachPanel(nullptr);
-    QCOMPARE(g_pLayerPanel, nullptr);
     QCOMPARE(manager.GetPanelData(), nullptr);
     QCOMPARE(manager.GetCurrentLayerColor(), 0u);
 }
