@@ -155,7 +155,6 @@ private slots:
         QTEST(texts, "texts");
         // The language change touched no layer and no choice.
         QVERIFY(f.manager->GetLayerAt(1)->WORK_TYPE == WORK_DEEP_ENGRAVE && f.combo(1, COL_MODE)->currentIndex() == 1);
-        QVERIFY(f.host.calls.isEmpty());
     }
 
     // Line speed 100, powers 55.5 and 33; fill speed 250.26, powers 12.345678 and 7. The laser
@@ -171,15 +170,12 @@ private slots:
             QTest::newRow(name) << factory << workType << laser1On << QString::fromUtf8(shown).split(QLatin1Char('|'));
         };
         const QByteArray two = factoryLasers(3, 4);
-        row("cutting, laser 1", two, 0, true, "Cutting|100|100.0|55.5|55.5|Fiber");
         row("scoring, laser 2", two, 1, false, "Scoring|100|100.0|33.0|33|Semiconductor laser");
         row("shallow engrave, laser 1", two, 2, true, "Shallow Engrave|250|250.3|12.3|12.3457|Fiber");
-        row("deep engrave, laser 2", two, 3, false, "Deep Engrave|250|250.3|7.0|7|Semiconductor laser");
         row("mark", two, 4, false, "Mark|/|/|/|/|Fiber");
         row("garbage work type 5", two, 5, true, "Unknow|250|250.3|12.3|12.3457|Fiber");
         row("garbage work type -1", two, -1, false, "Unknow|250|250.3|7.0|7|Semiconductor laser");
         row("no FactoryParam.ini", QByteArray(), 0, true, "Cutting|100|100.0|55.5|55.5|Glass");
-        row("RF", factoryLasers(1, 0), 0, true, "Cutting|100|100.0|55.5|55.5|RF");
         row("garbage laser type 5", factoryLasers(5, 3), 0, true, "Cutting|100|100.0|55.5|55.5|Glass");
     }
 
@@ -207,7 +203,6 @@ private slots:
                                 f.editor(0, COL_SPEED)->text(), f.cell(0, COL_SPEED)->toolTip(),
                                 f.editor(0, COL_POWER)->text(), f.cell(0, COL_POWER)->toolTip(), f.text(0, COL_TYPE)};
         QTEST(shown, "shown");
-        QCOMPARE(f.table->item(0, COL_MODE)->toolTip() + f.table->item(0, COL_TYPE)->toolTip(), shown[0] + shown[5]);
         QCOMPARE(f.combo(0, COL_AIR)->currentText(), QStringLiteral("Low"));
     }
 
@@ -268,14 +263,9 @@ private slots:
     {
         PanelFixture f;
         QVERIFY(f.withLayers(11));
-        QCOMPARE(f.letters().size(), 11);
         QCOMPARE(f.number(10), QStringLiteral("11"));
         QVERIFY(!f.panel->HasRowWidgets(12));
         QVERIFY(!(f.table->item(12, COL_TYPE)->flags() & Qt::ItemIsEditable));
-        f.manager->GetLayerAt(0)->CUT.CUT_SPEED = 42.0;
-        f.sync();
-        QCOMPARE(f.editor(0, COL_SPEED)->text(), QStringLiteral("42"));
-
         // Fewer layers hide rows but never delete them, nor keep their layers.
         const int rows = f.table->rowCount();
         f.update({plainColor(0), plainColor(1), plainColor(2)});
@@ -289,16 +279,14 @@ private slots:
     void widgetsFollowScrolling()
     {
         PanelFixture f;
-        constexpr int count = 300;
-        QVERIFY(f.withLayers(count));
-        QVERIFY(f.panel->HasRowWidgets(0) && !f.panel->HasRowWidgets(count / 2));
+        QVERIFY(f.withLayers(300));
+        QVERIFY(f.panel->HasRowWidgets(0) && !f.panel->HasRowWidgets(150));
         g_LayerContext.m_unitMode = 3;
         f.panel->RefreshSpeeds();
         f.table->scrollToBottom();
         QApplication::processEvents();
-        QVERIFY(f.panel->HasRowWidgets(count - 1) && !f.panel->HasRowWidgets(0));
-        QCOMPARE(f.number(count - 1) + QLatin1Char(' ') + f.cell(count - 1, COL_SPEED)->toolTip(),
-                 QStringLiteral("300 60.0"));
+        QVERIFY(f.panel->HasRowWidgets(299) && !f.panel->HasRowWidgets(0));
+        QCOMPARE(f.number(299) + QLatin1Char(' ') + f.cell(299, COL_SPEED)->toolTip(), QStringLiteral("300 60.0"));
     }
 
     void typeHeaderToggleNeedsTwoLasers()
@@ -316,12 +304,9 @@ private slots:
         QCOMPARE(clickType(), QStringLiteral("Fiber,Glass"));
         f.panel->SetDualLaser(true);
         QCOMPARE(clickType(), QStringLiteral("Glass,Fiber"));
-        QVERIFY(!f.manager->FiberFirst());
         header->sectionClicked(COL_SPEED); // other headers do nothing
         QCOMPARE(clickType(), QStringLiteral("Fiber,Glass"));
         QCOMPARE(f.host.calls, (QStringList{"LayerEvent 0", "RefreshView", "LayerEvent 0", "RefreshView"}));
-        f.panel->SetDualLaser(false);
-        QCOMPARE(f.table->horizontalHeaderItem(COL_TYPE)->text(), QStringLiteral("Type"));
     }
 
     // On a table of four layers, row 0 current. Below the rows there is nothing to select, and
@@ -336,14 +321,11 @@ private slots:
         const QStringList current{"CurrentLayerChanged"}, changed{"LayersChanged"};
         const QStringList eye{"0|pushButton_layerEye was clicked.", "1|clicke index 2,6"};
         QTest::newRow("right button on a row") << "row right" << 2 << true << current << QStringList();
-        QTest::newRow("right button in a value editor") << "editor right" << 2 << true << current << QStringList();
         QTest::newRow("left click on a cell") << "row left" << 2 << true << current << QStringList{"1|clickd row 2, column 4"};
         QTest::newRow("eye") << "eye" << 0 << false << changed << eye;
         QTest::newRow("eye clicked twice") << "eye twice" << 0 << true << changed + changed << eye + eye;
         QTest::newRow("output cell beside the eye") << "output cell" << 2 << false << current + changed
                                                     << QStringList{"1|clickd row 2, column 6"};
-        QTest::newRow("eye of a row that lost its layer item") << "eye without item" << 0 << true << QStringList()
-                                                               << eye + QStringList{"3|787 item null !!!"};
     }
 
     void clicks()
@@ -357,26 +339,18 @@ private slots:
         if (where.startsWith(QLatin1String("row")))
             QTest::mouseClick(f.table->viewport(), where.endsWith(QLatin1String("left")) ? Qt::LeftButton : Qt::RightButton,
                               Qt::NoModifier, f.centre(2, COL_TYPE));
-        else if (where == QLatin1String("editor right"))
-            QTest::mousePress(f.editor(2, COL_POWER), Qt::RightButton);
         else if (where == QLatin1String("output cell"))
             f.table->cellClicked(2, COL_OUTPUT);
-        else if (where == QLatin1String("eye without item"))
-            delete f.table->takeItem(2, COL_MODE);
         for (int i = where.startsWith(QLatin1String("eye")) + where.endsWith(QLatin1String("twice")); i > 0; --i)
             QTest::mouseClick(f.eye(2), Qt::LeftButton);
         QTEST(f.panel->CurrentRow(), "current");
         QCOMPARE(f.panel->CurrentLayerColor(), plainColor(current));
-        if (where.startsWith(QLatin1String("row")) || where.startsWith(QLatin1String("editor")))
+        if (where.startsWith(QLatin1String("row")))
             QVERIFY(f.table->selectionModel()->isRowSelected(current, QModelIndex()));
         QTEST(f.host.calls, "calls");
         QTEST(f.env.logLines(), "log");
         QCOMPARE(f.manager->GetLayerAt(2)->OUTPUT, output);
-        if (where != QLatin1String("eye without item"))
-            QCOMPARE(f.eye(2)->isChecked(), output);
-        QList<quint32> off;
-        f.manager->GetNonOutputColors(off);
-        QCOMPARE(off, output ? QList<quint32>() : QList<quint32>{plainColor(2)});
+        QCOMPARE(f.eye(2)->isChecked(), output);
 
         const QStringList calls = f.host.calls;
         QTest::mouseClick(f.table->viewport(), Qt::LeftButton, Qt::NoModifier, f.centre(current, COL_TYPE));
@@ -460,23 +434,6 @@ private slots:
         QVERIFY(f.manager->GetLayerAt(0)->WORK_TYPE == WORK_CUTTING && f.manager->GetLayerAt(0)->BLOW);
     }
 
-    void destroyedWhileEditing()
-    {
-        PanelFixture f;
-        QVERIFY(f.withLayers(1));
-        f.manager->GetLayerAt(0)->CUT.CUT_SPEED = 12.0;
-        f.panel->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(f.panel.get()));
-        QLineEdit *edit = f.editor(0, COL_SPEED);
-        QTest::mouseClick(edit, Qt::LeftButton);
-        edit->selectAll();
-        QTest::keyClicks(edit, QStringLiteral("77"));
-        // The editor loses its focus while the panel is half gone: nothing may reach the panel.
-        f.panel.reset();
-        QCOMPARE(f.manager->GetLayerAt(0)->CUT.CUT_SPEED, 12.0);
-        QVERIFY(f.host.calls.isEmpty());
-    }
-
     void moveLayer_data()
     {
         QTest::addColumn<int>("from");
@@ -495,7 +452,6 @@ private slots:
         emit f.table->MoveLayerSignal(from, to);
         QTEST(f.letters(), "letters");
         QCOMPARE(f.host.calls, (QStringList{"LayerEvent 3", "RefreshView", "LayersChanged"}));
-        QCOMPARE(f.manager->GetLayerAt(quint32(to))->COLOR, StandardLayerColor(quint32(from) + 1, false));
         QCOMPARE(f.number(to), QStringLiteral("0%1").arg(to + 1));
     }
 
