@@ -393,12 +393,15 @@ void tst_CLayerMgrIns::queries()
     manager.MoveLayer(1, 0);
     QCOMPARE(runningOption(), QStringLiteral("3|Holz \u00e4\u00df|2.5"));
 
-    // The list is appended to; the count is of every layer.
+    // The lists are appended to; the count is of every layer.
     setField(manager, QStringLiteral("A:OUTPUT=0"));
     setField(manager, QStringLiteral("C:OUTPUT=0"));
     QList<CLayerParam *> output{duplicate.get()};
     QCOMPARE(manager.GetOutputLayers(output), 3u);
     QCOMPARE(output, (QList<CLayerParam *>{duplicate.get(), manager.GetLayerAt(0)}));
+    QList<quint32> off{7};
+    QCOMPARE(manager.GetNonOutputColors(off), 3u);
+    QCOMPARE(off, (QList<quint32>{7, colorOf(QLatin1Char('A')), colorOf(QLatin1Char('C'))}));
 
     // Without a panel the documented zero; the panel's own answer is checked with the plug-in.
     manager.AttachPanel(nullptr);
