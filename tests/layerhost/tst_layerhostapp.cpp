@@ -1,6 +1,7 @@
 // The built layerhost program, run as a user runs it.
 
 #include <QFile>
+#include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -45,6 +46,15 @@ private slots:
                  QStringLiteral("Drawing of 8 shapes gives 7 layers: #0b00ff Cutting, #f48244 Cutting, #00cafc Shallow Engrave, "
                                 "#2431bd Cutting, #123456 Cutting, #000000 Cutting, #cc8b17 Cutting"));
         QVERIFY2(m_out.contains(QRegularExpression(QStringLiteral("\nLayer stream for the document: \\d+ bytes\n"))), qPrintable(m_out));
+    }
+
+    // What the README tells users to look at: the window and a dialog, in Chinese too.
+    void screenshots()
+    {
+        const QString window = path(QStringLiteral("window.png")), dialog = path(QStringLiteral("dialog.png"));
+        QVERIFY2(run({QStringLiteral("--screenshot"), window, QStringLiteral("--language"), QStringLiteral("Chs")}) == 0, qPrintable(m_err));
+        QVERIFY2(run({QStringLiteral("--screenshot-dialog"), QStringLiteral("DlgLayerLibMgr"), dialog}) == 0, qPrintable(m_err));
+        QVERIFY(QImage(window).width() >= 640 && QImage(dialog).width() >= 400);
     }
 
     void refused_data()
