@@ -52,7 +52,8 @@ private slots:
     void screenshots()
     {
         const QString window = path(QStringLiteral("window.png")), dialog = path(QStringLiteral("dialog.png"));
-        QVERIFY2(run({QStringLiteral("--screenshot"), window, QStringLiteral("--language"), QStringLiteral("Chs")}) == 0, qPrintable(m_err));
+        const QStringList chinese{QStringLiteral("--language"), QStringLiteral("Chs")};
+        QVERIFY2(run(QStringList{QStringLiteral("--screenshot"), window} + chinese) == 0, qPrintable(m_err));
         QVERIFY2(run({QStringLiteral("--screenshot-dialog"), QStringLiteral("DlgLayerLibMgr"), dialog}) == 0, qPrintable(m_err));
         QVERIFY(QImage(window).width() >= 640 && QImage(dialog).width() >= 400);
     }
