@@ -1,8 +1,9 @@
 // The built layerhost program, run as a user runs it.
 
+#include "programrun.h"
+
 #include <QFile>
 #include <QImage>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -17,19 +18,16 @@ class tst_LayerHostApp : public QObject
 
     QString path(const QString &name) const { return m_dir.filePath(name); }
 
-    // The exit code, -1 when it crashed or hung; stdout and stderr are kept.
     int run(const QStringList &arguments)
     {
-        QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
         env.insert(QStringLiteral("XDG_CONFIG_HOME"), path(QStringLiteral("config")));
-        process.setProcessEnvironment(env);
-        process.start(QStringLiteral(LAYERMGR_BUILD_BIN "/layerhost"), arguments);
-        const bool finished = process.waitForFinished(120000);
-        m_out = QString::fromUtf8(process.readAllStandardOutput());
-        m_err = QString::fromUtf8(process.readAllStandardError());
-        return finished && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        const ProgramRun result =
+            runProgram(QStringLiteral(LAYERMGR_BUILD_BIN "/layerhost"), arguments, QString(), env);
+        m_out = result.out;
+        m_err = result.err;
+        return result.exitCode;
     }
 
 private slots:

@@ -6,10 +6,10 @@
 
 #include "library/cmateriallibrary.h"
 #include "library/librarydocument.h"
+#include "programrun.h"
 
 #include <QBuffer>
 #include <QJsonDocument>
-#include <QProcess>
 
 inline CLibKey libKey(const QString &material, double thickness, quint32 craft, quint32 tube = 2,
                       qint32 power = 60)
@@ -80,21 +80,8 @@ inline CMaterialLibrary readBytes(const QByteArray &bytes, LibraryReadResult *re
     return library;
 }
 
-struct ToolRun
-{
-    int exitCode = -1; // -1: crashed or hung
-    QString out;
-    QString err;
-};
-
 // The command-line tool, run in `dir` (the current folder when empty).
-inline ToolRun runTool(const QStringList &arguments, const QString &dir = QString())
+inline ProgramRun runTool(const QStringList &arguments, const QString &dir = QString())
 {
-    QProcess process;
-    process.setWorkingDirectory(dir);
-    process.start(QStringLiteral(LAYERMGR_BUILD_BIN "/layermgr-lib"), arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return runProgram(QStringLiteral(LAYERMGR_BUILD_BIN "/layermgr-lib"), arguments, dir);
 }

@@ -99,7 +99,7 @@ private slots:
         QVERIFY(QDir().mkpath(env.root() + QStringLiteral("/folder")));
         QVERIFY(env.writeFile(env.root() + QStringLiteral("/out.json"), "previous"));
 
-        const ToolRun run = runTool(arguments.replaceInStrings(QStringLiteral("@"), env.root()));
+        const ProgramRun run = runTool(arguments.replaceInStrings(QStringLiteral("@"), env.root()));
         QCOMPARE(run.exitCode, exitCode);
         const QString text = exitCode ? run.err : run.out;
         QCOMPARE(exitCode ? run.out : run.err, QString());
@@ -123,7 +123,7 @@ private slots:
         library.AddTube(3);
         const QString path = env.root() + QStringLiteral("/lib.json");
         QVERIFY(WriteMaterialLibraryFile(path, library));
-        const ToolRun run = runTool({"check", path});
+        const ProgramRun run = runTool({"check", path});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.err, QString());
         // Tube types in the document's key order.
@@ -143,7 +143,7 @@ private slots:
         const QString table = env.root() + QStringLiteral("/materials.tsv");
         QVERIFY(env.writeFile(table, kTable));
         const QString out = env.root() + QStringLiteral("/Resources/Data/defaultMaterial.json");
-        const ToolRun run = runTool({"generate", table, swatches, out});
+        const ProgramRun run = runTool({"generate", table, swatches, out});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(run.err, QString());
         CMaterialLibrary library;
@@ -182,7 +182,7 @@ private slots:
         QVERIFY2(QFileInfo::exists(kFactory), "the build generates the factory library");
         QCOMPARE(runTool({"check", kFactory}).exitCode, 0);
         const QString fresh = env.root() + QStringLiteral("/fresh.json");
-        const ToolRun run = runTool({"generate", kFactorySource + "/materials.tsv", kFactorySource + "/swatches", fresh});
+        const ProgramRun run = runTool({"generate", kFactorySource + "/materials.tsv", kFactorySource + "/swatches", fresh});
         QCOMPARE(run.exitCode, 0);
         QCOMPARE(env.readFile(kFactory), env.readFile(fresh));
         const QString out = env.root() + QStringLiteral("/sub/out.json");

@@ -65,7 +65,7 @@ private slots:
         QVERIFY(env.writeFile(env.root() + QStringLiteral("/out.json"), "previous"));
         QVERIFY(QDir().mkpath(env.root() + QStringLiteral("/folder")));
 
-        const ToolRun run = runTool(arguments, env.root());
+        const ProgramRun run = runTool(arguments, env.root());
         QCOMPARE(run.exitCode, exitCode);
         QString out = run.out;
         const QString &err = run.err;
