@@ -1,6 +1,7 @@
 #include "layertable/clayermodewidget.h"
 #include "layertable/ctablewidgetupdown.h"
 #include "layertable/dlglayermgr.h"
+#include "libmgrwidgettest.h"
 #include "library/clayercontext.h"
 #include "module/clayermgrins.h"
 #include "module/layercolors.h"
@@ -9,7 +10,6 @@
 #include "testenvironment.h"
 
 #include "cshape.h"
-#include "ctranslator.h"
 #include "cshapelist.h"
 
 #include <QComboBox>
@@ -18,7 +18,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopeGuard>
 #include <QTest>
 
 #include <memory>
@@ -143,15 +142,14 @@ private slots:
         addLayer(*f.manager, plainColor(0), WORK_CUTTING);
         addLayer(*f.manager, plainColor(1), WORK_DEEP_ENGRAVE)->FILL_LOCKED = true;
         f.sync();
-        CTranslator::GetInstance()->SetResourceDir(QStringLiteral(LAYERMGR_SOURCE_DIR "/resources"));
-        CTranslator::GetInstance()->SetLanguage(language);
-        const auto english = qScopeGuard([] { CTranslator::GetInstance()->SetLanguage(QString()); });
-        QStringList texts;
-        for (int column = 0; column <= COL_OUTPUT; ++column)
-            texts << f.table->horizontalHeaderItem(column)->text();
-        texts << f.combo(0, COL_MODE)->currentText() << f.combo(0, COL_AIR)->currentText() << f.text(0, COL_TYPE)
-              << f.table->item(0, COL_MODE)->toolTip() << f.combo(1, COL_MODE)->itemText(0)
-              << f.combo(1, COL_MODE)->itemText(1);
+        const QStringList texts = inLanguage(language, [&f] {
+            QStringList texts;
+            for (int column = 0; column <= COL_OUTPUT; ++column)
+                texts << f.table->horizontalHeaderItem(column)->text();
+            return texts << f.combo(0, COL_MODE)->currentText() << f.combo(0, COL_AIR)->currentText()
+                         << f.text(0, COL_TYPE) << f.table->item(0, COL_MODE)->toolTip()
+                         << f.combo(1, COL_MODE)->itemText(0) << f.combo(1, COL_MODE)->itemText(1);
+        });
         QTEST(texts, "texts");
         // The language change touched no layer and no choice.
         QVERIFY(f.manager->GetLayerAt(1)->WORK_TYPE == WORK_DEEP_ENGRAVE && f.combo(1, COL_MODE)->currentIndex() == 1);
